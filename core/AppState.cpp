@@ -1,0 +1,172 @@
+#include "core/AppState.h"
+
+#include "core/Numeric.h"
+#include "core/Vocabulary.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace aqx {
+
+void ResetChannelDefaults(ChannelSetup& ch) {
+  for (int c = 1; c <= kMaxChannels; ++c) {
+    ch.Channel[c] = 1;
+    ch.Active[c] = 0;
+    ch.Type[c] = 1;
+    ch.Place[c].clear();
+    ch.Direct[c].clear();
+    ch.Ku[c] = 10.0f;
+    ch.Zero[c] = 0;
+    ch.KS[c] = 0.0f;
+    ch.Volume[c] = 0;
+    ch.SensorName[c].clear();
+    ch.ChannelColor[c] = ChannelColorDefault(c);
+    ch.ChannelLineWidthSignal[c] = 1;
+    ch.ChannelLineWidthSpectr[c] = 1;
+    ch.ChannelY[c] = 1000000;  // sign for the signal view to lay the channel out
+    ch.ChannelYm[c] = -1;
+    ch.ProbeFreq[c].fill(-1.0f);
+    ch.Filter[c].fill(-1.0f);
+  }
+}
+
+AppState::AppState() {
+  ResetChannelDefaults(channels);
+  channels.Active[1] = 1;
+  RecountChannelUsedCount(*this);
+  for (auto& r : object.Remark) r.clear();
+  object.RecordDate = DateTimeToOle(QDateTime::currentDateTime());
+  ApplyBlockRule(*this);
+}
+
+int ChannelCount(const AppState& s) { return s.ChannelDifferential == 1 ? 16 : 32; }
+
+int RecountChannelUsedCount(AppState& s) {
+  int used = 0;
+  for (int c = 1; c <= ChannelCount(s); ++c)
+    if (s.channels.Channel[c] == 1) ++used;
+  s.ChannelUsedCount = used;
+  return used;
+}
+
+int FirstMarkerChannel(const AppState& s) {
+  for (int c = 1; c <= ChannelCount(s); ++c)
+    if (s.channels.Type[c] == 3 && s.channels.Channel[c] == 1) return c;
+  return 0;
+}
+
+int ActiveUsedCount(const AppState& s) {
+  int n = 0;
+  for (int c = 1; c <= ChannelCount(s); ++c)
+    if (s.channels.Channel[c] == 1 && s.channels.Active[c] == 1) ++n;
+  return n;
+}
+
+int FirstUsedChannel(const AppState& s) {
+  for (int c = 1; c <= ChannelCount(s); ++c)
+    if (s.channels.Channel[c] == 1) return c;
+  return 0;
+}
+
+void ApplyBlockRule(AppState& s) {
+  const int n = s.SignalDataN;
+  if (s.BlockSizeFFT == 0 || n <= 0) return;
+  if (s.BlockSizeFFT < n) {
+    s.StepDesc = static_cast<double>(s.FreqDesc) / s.BlockSizeFFT;
+    s.SpectrLineCount = RoundHalfEven(s.BlockSizeFFT / 2.0);
+  } else {
+    s.StepDesc = static_cast<double>(s.FreqDesc) / n;
+    s.SpectrLineCount = RoundHalfEven(n / 2.0);
+  }
+}
+
+void DeriveRotorParameters(AppState& s) {
+  if (s.Polus != 0) s.FreqRotorN = s.FreqSety * 120.0 / s.Polus;
+  s.FreqOneGarmonic = s.FreqRotorN / 60.0;
+  if (s.NumberRotorRecord > 0 && s.FreqRotorN > 0) {
+    const double recordSeconds = s.NumberRotorRecord * 60.0 / s.FreqRotorN;
+    s.FreqDescR = std::max(1, RoundHalfEven(s.SignalDataN / recordSeconds));
+  } else {
+    s.FreqDescR = std::max(1, s.FreqDescR);
+  }
+  ApplyBlockRule(s);
+}
+
+void ClearApplicationData(AppState& s) {
+  s.Polus = 0;
+  s.NumberRotorRecord = 0;
+  s.StepDesc = 0;
+  s.object.Agregat = 0;
+  s.object.Station.clear();
+  s.object.Mode.clear();
+  s.object.RecordDate = DateTimeToOle(QDateTime::currentDateTime());
+  s.Imposition = false;
+  s.FirstChannelActive = 0;
+  for (auto& r : s.object.Remark) r = QStringLiteral("0");
+  auto& ch = s.channels;
+  for (int c = 1; c <= kMaxChannels; ++c) {
+    ch.Channel[c] = 0;
+    ch.Active[c] = 0;
+    ch.Type[c] = 0;
+    ch.Place[c].clear();
+    ch.Direct[c].clear();
+    ch.Ku[c] = 0.0f;
+    ch.Zero[c] = 0;
+    ch.KS[c] = 0.0f;
+    ch.Volume[c] = 0;
+    ch.SensorName[c].clear();
+    ch.ChannelColor[c] = 0;
+    ch.ChannelY[c] = 0;
+    ch.ChannelYm[c] = 0;
+    ch.ProbeFreq[c].fill(-1.0f);
+    ch.Filter[c].fill(-1.0f);
+  }
+}
+
+namespace {
+struct UnitRow {
+  const char* names[4];
+  double divisors[4];
+};
+// By type, for levels below 5000, below 50000, below 5000000, and above.
+// Pressure and temperature keep one name while the divisor changes, and
+// centimetres divide by 10000: both are how readouts have always been made.
+const UnitRow kLength{{"мкм", "мм", "см", "м"}, {1, 1000, 10000, 1000000}};
+const UnitRow kMass{{"г", "кг", "кг", "т"}, {1, 1000, 1000, 1000000}};
+const UnitRow kVolt{{"мВ", "В", "В", "кВ"}, {1, 1000, 1000, 1000000}};
+const UnitRow kPressure{{"кгс/см2", "кгс/см2", "кгс/см2", "кгс/см2"}, {1, 1000, 1000, 1000000}};
+const UnitRow kTemperature{{"°C", "°C", "°C", "°C"}, {1, 1000, 1000, 1000000}};
+const UnitRow kPower{{"Вт", "кВт", "кВт", "МВт"}, {1, 1000, 1000, 1000000}};
+
+const UnitRow* UnitRowOfType(int type) {
+  switch (type) {
+    case 0: case 1: case 8: return &kLength;
+    case 2: return &kMass;
+    case 3: case 4: case 5: return &kVolt;
+    case 6: return &kPressure;
+    case 7: return &kTemperature;
+    case 9: return &kPower;
+    default: return nullptr;
+  }
+}
+}  // namespace
+
+void SetChannelUnit(AppState& s, double value) {
+  const int c = s.FirstChannelActive;
+  if (c < 1 || c > kMaxChannels) return;
+  const UnitRow* row = UnitRowOfType(s.channels.Type[c]);
+  if (!row) return;
+  const int step = value < 5000 ? 0 : value < 50000 ? 1 : value < 5000000 ? 2 : 3;
+  s.UnitName = QString::fromUtf8(row->names[step]);
+  s.UnitDivisor = row->divisors[step];
+}
+
+double CodeToValue(const AppState& s, int c, double code) {
+  const double offset = s.AccountOffset ? s.SignalOffset[c] : 0.0;
+  const double ku = s.channels.Ku[c];
+  const double gainZero = std::pow(4.0, s.channels.Volume[c]) * s.channels.Zero[c];
+  const double mv = (code - offset) * 1.25 - gainZero;
+  return ku != 0.0 ? mv / ku : 0.0;
+}
+
+}  // namespace aqx
