@@ -1,0 +1,138 @@
+#include "ui/PaintDrawList.h"
+
+#include <gtest/gtest.h>
+
+namespace aqx {
+namespace {
+
+using views::DashStyle;
+using views::DrawList;
+using views::Line;
+using views::Pen;
+using views::Polyline;
+using views::Rect;
+using views::Text;
+using views::TextAnchor;
+
+constexpr views::BgrColor kRed = 0x0000FF;   // blue-green-red word
+constexpr views::BgrColor kBlue = 0xFF0000;
+constexpr views::BgrColor kWhite = 0xFFFFFF;
+
+DrawList Canvas(int w, int h, views::BgrColor bg = kWhite) {
+  DrawList list;
+  list.width = w;
+  list.height = h;
+  list.background = bg;
+  return list;
+}
+
+TEST(PaintDrawList, ColoursAreBlueGreenRedWords) {
+  EXPECT_EQ(ui::ToQColor(0x0000FF), QColor(255, 0, 0));
+  EXPECT_EQ(ui::ToQColor(0x00FF00), QColor(0, 255, 0));
+  EXPECT_EQ(ui::ToQColor(0xFF0000), QColor(0, 0, 255));
+  EXPECT_EQ(ui::ToBgr(QColor(1, 2, 3)), 0x030201);
+}
+
+TEST(PaintDrawList, ImageHasListSizeAndBackground) {
+  const QImage img = ui::RenderDrawList(Canvas(40, 30, kBlue));
+  ASSERT_EQ(img.size(), QSize(40, 30));
+  EXPECT_EQ(img.pixelColor(0, 0), QColor(0, 0, 255));
+  EXPECT_EQ(img.pixelColor(39, 29), QColor(0, 0, 255));
+}
+
+TEST(PaintDrawList, LinesCoverBothEndsAndNothingBeside) {
+  DrawList list = Canvas(20, 20);
+  list.add(Line{5, 2, 5, 10, Pen{kRed}});
+  list.add(Line{0, 15, 19, 15, Pen{kRed}});
+  const QImage img = ui::RenderDrawList(list);
+  for (int y = 2; y <= 10; ++y) EXPECT_EQ(img.pixelColor(5, y), QColor(255, 0, 0)) << y;
+  EXPECT_EQ(img.pixelColor(5, 1), Qt::white);
+  EXPECT_EQ(img.pixelColor(4, 6), Qt::white);
+  EXPECT_EQ(img.pixelColor(6, 6), Qt::white);
+  EXPECT_EQ(img.pixelColor(0, 15), QColor(255, 0, 0));
+  EXPECT_EQ(img.pixelColor(19, 15), QColor(255, 0, 0));
+  EXPECT_EQ(img.pixelColor(10, 14), Qt::white);
+}
+
+TEST(PaintDrawList, DottedLineLeavesGaps) {
+  DrawList list = Canvas(60, 5);
+  list.add(Line{0, 2, 59, 2, Pen{kRed, 1, DashStyle::Dot}});
+  const QImage img = ui::RenderDrawList(list);
+  int inked = 0;
+  for (int x = 0; x < 60; ++x) inked += img.pixelColor(x, 2) != Qt::white;
+  EXPECT_GT(inked, 10);
+  EXPECT_LT(inked, 50);
+}
+
+TEST(PaintDrawList, RectOutlineAndFillStayInsideTheBox) {
+  DrawList list = Canvas(30, 30);
+  list.add(Rect{5, 5, 15, 12, Pen{kRed}, true, kBlue});
+  const QImage img = ui::RenderDrawList(list);
+  EXPECT_EQ(img.pixelColor(5, 5), QColor(255, 0, 0));    // outline corner
+  EXPECT_EQ(img.pixelColor(14, 11), QColor(255, 0, 0));  // last pixel inside
+  EXPECT_EQ(img.pixelColor(10, 8), QColor(0, 0, 255));   // fill
+  EXPECT_EQ(img.pixelColor(15, 8), Qt::white);           // right is exclusive
+  EXPECT_EQ(img.pixelColor(10, 12), Qt::white);          // bottom is exclusive
+}
+
+TEST(PaintDrawList, XorDrawnTwiceRestoresThePicture) {
+  DrawList once = Canvas(30, 30, 0x336699);
+  once.add(Line{0, 0, 29, 29, Pen{kRed}});
+  Pen invert{kWhite, 1, DashStyle::Solid, true};
+  once.add(Rect{3, 3, 20, 20, invert, true, 0});
+  once.add(Line{10, 0, 10, 29, invert});
+  const QImage first = ui::RenderDrawList(once);
+  EXPECT_EQ(first.pixelColor(15, 5), QColor(255 - 0x99, 255 - 0x66, 255 - 0x33));
+
+  DrawList twice = once;
+  twice.add(Rect{3, 3, 20, 20, invert, true, 0});
+  twice.add(Line{10, 0, 10, 29, invert});
+  DrawList plain = Canvas(30, 30, 0x336699);
+  plain.add(Line{0, 0, 29, 29, Pen{kRed}});
+  EXPECT_EQ(ui::RenderDrawList(twice), ui::RenderDrawList(plain));
+}
+
+TEST(PaintDrawList, PolylineJoinsItsPoints) {
+  DrawList list = Canvas(20, 20);
+  list.add(Polyline{{0, 10, 10}, {0, 0, 10}, Pen{kRed}});
+  const QImage img = ui::RenderDrawList(list);
+  EXPECT_EQ(img.pixelColor(5, 0), QColor(255, 0, 0));
+  EXPECT_EQ(img.pixelColor(10, 5), QColor(255, 0, 0));
+  EXPECT_EQ(img.pixelColor(5, 5), Qt::white);
+}
+
+QRect InkBox(const QImage& img) {
+  QRect box;
+  for (int y = 0; y < img.height(); ++y)
+    for (int x = 0; x < img.width(); ++x)
+      if (img.pixelColor(x, y) != Qt::white) box |= QRect(x, y, 1, 1);
+  return box;
+}
+
+TEST(PaintDrawList, TextAnchorsPlaceTheBoxAroundThePoint) {
+  DrawList topLeft = Canvas(200, 60);
+  topLeft.add(Text{100, 30, "Порог", 0});
+  const QRect a = InkBox(ui::RenderDrawList(topLeft));
+  ASSERT_FALSE(a.isEmpty());
+  EXPECT_GE(a.left(), 100);
+  EXPECT_GE(a.top(), 30);
+
+  DrawList bottomRight = Canvas(200, 60);
+  bottomRight.add(Text{100, 30, "Порог", 0, TextAnchor::BottomRight});
+  const QRect b = InkBox(ui::RenderDrawList(bottomRight));
+  ASSERT_FALSE(b.isEmpty());
+  EXPECT_LE(b.right(), 100);
+  EXPECT_LE(b.bottom(), 30);
+  EXPECT_EQ(a.width(), b.width());
+}
+
+TEST(PaintDrawList, FontMetricsMeasureWiderTextWider) {
+  const ui::QtFontMetrics fm(ui::DefaultViewFont());
+  const views::FontMetrics& m = fm.metrics();
+  EXPECT_GT(m.lineHeight, 5);
+  EXPECT_GT(m.widthOf("Порог срабатывания"), m.widthOf("Порог"));
+  EXPECT_EQ(m.widthOf(""), 0);
+}
+
+}  // namespace
+}  // namespace aqx

@@ -1,0 +1,185 @@
+#include "ui/PaintDrawList.h"
+
+#include <QPaintDevice>
+#include <QPainter>
+#include <QPolygon>
+
+#include <algorithm>
+
+namespace aqx::ui {
+
+namespace {
+
+Qt::PenStyle ToQtDash(views::DashStyle dash) {
+  switch (dash) {
+    case views::DashStyle::Dash: return Qt::DashLine;
+    case views::DashStyle::Dot: return Qt::DotLine;
+    case views::DashStyle::DashDot: return Qt::DashDotLine;
+    case views::DashStyle::Solid: break;
+  }
+  return Qt::SolidLine;
+}
+
+// Inverting ink: a white pen in xor mode turns every pixel into its
+// complement, so the same stroke drawn twice restores the picture.
+void ApplyMode(QPainter& painter, const views::Pen& pen) {
+  if (!pen.xorMode) {
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+  } else if ((pen.color & 0xFFFFFF) == 0xFFFFFF) {
+    painter.setCompositionMode(QPainter::RasterOp_NotDestination);
+  } else {
+    painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
+  }
+}
+
+QPen ToQPen(const views::Pen& pen) {
+  QPen p(ToQColor(pen.color));
+  p.setWidth(std::max(1, pen.width));
+  p.setStyle(ToQtDash(pen.dash));
+  // Square caps on one-pixel pens put the end point in, as the views expect.
+  p.setCapStyle(pen.width <= 1 ? Qt::SquareCap : Qt::FlatCap);
+  p.setJoinStyle(Qt::MiterJoin);
+  // One-pixel pens stay one pixel whatever the painter's transform.
+  if (pen.width <= 1) p.setCosmetic(true);
+  return p;
+}
+
+QRect BoxOf(int left, int top, int right, int bottom) {
+  const int l = std::min(left, right), r = std::max(left, right);
+  const int t = std::min(top, bottom), b = std::max(top, bottom);
+  return QRect(l, t, r - l, b - t);
+}
+
+struct Painter {
+  QPainter& p;
+  const QFont& font;
+
+  void operator()(const views::Line& line) const {
+    ApplyMode(p, line.pen);
+    p.setPen(ToQPen(line.pen));
+    if (line.x1 == line.x2 && line.y1 == line.y2) {
+      p.drawPoint(line.x1, line.y1);
+    } else {
+      p.drawLine(line.x1, line.y1, line.x2, line.y2);
+    }
+  }
+
+  void operator()(const views::Polyline& poly) const {
+    const size_t n = std::min(poly.xs.size(), poly.ys.size());
+    if (n == 0) return;
+    ApplyMode(p, poly.pen);
+    p.setPen(ToQPen(poly.pen));
+    if (n == 1) {
+      p.drawPoint(poly.xs[0], poly.ys[0]);
+      return;
+    }
+    QPolygon polygon(static_cast<int>(n));
+    for (size_t i = 0; i < n; ++i) polygon.setPoint(static_cast<int>(i), poly.xs[i], poly.ys[i]);
+    p.drawPolyline(polygon);
+  }
+
+  void operator()(const views::Rect& rect) const {
+    const QRect box = BoxOf(rect.left, rect.top, rect.right, rect.bottom);
+    ApplyMode(p, rect.pen);
+    if (rect.filled) {
+      // The fill covers the box; in xor mode the outline would cancel its
+      // own edge, so a filled box is one fill only.
+      p.fillRect(box, ToQColor(rect.pen.xorMode ? rect.pen.color : rect.fill));
+      if (rect.pen.xorMode) return;
+    }
+    if (box.width() < 1 || box.height() < 1) return;
+    p.setPen(ToQPen(rect.pen));
+    p.setBrush(Qt::NoBrush);
+    // The outline runs on the box's outer pixels.
+    p.drawRect(box.adjusted(0, 0, -1, -1));
+  }
+
+  void operator()(const views::Ellipse& ellipse) const {
+    const QRect box = BoxOf(ellipse.left, ellipse.top, ellipse.right, ellipse.bottom);
+    if (box.width() < 1 || box.height() < 1) return;
+    ApplyMode(p, ellipse.pen);
+    p.setPen(ToQPen(ellipse.pen));
+    p.setBrush(ellipse.filled ? QBrush(ToQColor(ellipse.fill)) : QBrush(Qt::NoBrush));
+    p.drawEllipse(box.adjusted(0, 0, -1, -1));
+    p.setBrush(Qt::NoBrush);
+  }
+
+  void operator()(const views::Text& text) const {
+    if (text.utf8.empty()) return;
+    QFont f = font;
+    if (text.pointSize > 0) f.setPointSize(text.pointSize);
+    f.setBold(text.bold);
+    p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    p.setFont(f);
+    p.setPen(ToQColor(text.color));
+    const QString s = QString::fromStdString(text.utf8);
+    const QFontMetrics fm(f, p.device());
+    const int w = fm.horizontalAdvance(s);
+    const int h = fm.height();
+    int left = text.x, top = text.y;
+    switch (text.anchor) {
+      case views::TextAnchor::TopLeft: break;
+      case views::TextAnchor::TopCenter: left -= w / 2; break;
+      case views::TextAnchor::TopRight: left -= w; break;
+      case views::TextAnchor::MiddleLeft: top -= h / 2; break;
+      case views::TextAnchor::Center: left -= w / 2; top -= h / 2; break;
+      case views::TextAnchor::MiddleRight: left -= w; top -= h / 2; break;
+      case views::TextAnchor::BottomLeft: top -= h; break;
+      case views::TextAnchor::BottomCenter: left -= w / 2; top -= h; break;
+      case views::TextAnchor::BottomRight: left -= w; top -= h; break;
+    }
+    p.drawText(left, top + fm.ascent(), s);
+  }
+};
+
+}  // namespace
+
+QColor ToQColor(views::BgrColor bgr) {
+  return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF);
+}
+
+views::BgrColor ToBgr(const QColor& color) {
+  return static_cast<views::BgrColor>((color.blue() << 16) | (color.green() << 8) | color.red());
+}
+
+void PaintDrawList(QPainter& painter, const views::DrawList& list, const QFont& font) {
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing, false);
+  painter.setRenderHint(QPainter::TextAntialiasing, true);
+  painter.fillRect(QRect(0, 0, list.width, list.height), ToQColor(list.background));
+  const Painter visitor{painter, font};
+  for (const views::Primitive& item : list.items) std::visit(visitor, item);
+  painter.restore();
+}
+
+void PaintDrawList(QPaintDevice& device, const views::DrawList& list, const QFont& font) {
+  QPainter painter(&device);
+  PaintDrawList(painter, list, font);
+}
+
+QImage RenderDrawList(const views::DrawList& list, const QFont& font) {
+  QImage image(std::max(1, list.width), std::max(1, list.height), QImage::Format_RGB32);
+  image.fill(ToQColor(list.background));
+  PaintDrawList(image, list, font);
+  return image;
+}
+
+QImage RenderDrawList(const views::DrawList& list) { return RenderDrawList(list, DefaultViewFont()); }
+
+QFont DefaultViewFont() {
+  QFont font(QStringLiteral("DejaVu Sans"));
+  font.setPixelSize(11);
+  font.setStyleHint(QFont::SansSerif);
+  return font;
+}
+
+QtFontMetrics::QtFontMetrics(const QFont& font) : qt_(font) {
+  metrics_.charWidth = std::max(1, qt_.averageCharWidth());
+  metrics_.lineHeight = std::max(1, qt_.height());
+  metrics_.context = &qt_;
+  metrics_.textWidth = [](const std::string& utf8, const void* context) {
+    return static_cast<const QFontMetrics*>(context)->horizontalAdvance(QString::fromStdString(utf8));
+  };
+}
+
+}  // namespace aqx::ui
