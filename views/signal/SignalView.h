@@ -1,0 +1,278 @@
+#pragma once
+// The signal view (frmViewSignal) without a toolkit: its window members as
+// plain data, the picture as a DrawList, and every mouse, scroll-bar, slider
+// and status-panel event as a state transition that tells the window what to
+// do next. The window owns one SignalViewState, mirrors its control values
+// into the real widgets and paints what BuildSignal returns.
+
+#include "core/AppState.h"
+#include "views/Primitives.h"
+
+#include <QString>
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace aqx::views {
+
+inline constexpr int kChannelUnplaced = 1000000;  // ChannelY before the first layout
+inline constexpr int kMinPicturePx = 50;           // smaller pictures are not drawn
+
+// ---------------------------------------------------------------------------
+// Options read at each drawing. The window fills them from the settings store
+// (sections Signal, Parameters, Otmetchick, Color) and from its menu checks.
+// ---------------------------------------------------------------------------
+
+enum class SignalCursor { None, Free, Bound };  // mnuSignalCursor: neither, "Свободный", "Привязанный"
+
+struct SignalColors {
+  BgrColor ColorLineOtmetchick = 0x0000FF;
+  BgrColor ColorLinePorogOtmetchick = 0x008000;
+  BgrColor ColorLineCenterSignal = 0x808080;
+  BgrColor ColorBeginPoint = 0xFF0000;
+  BgrColor ColorLineY0Signal = 0x000000;
+  BgrColor ColorGrid = 0xC0C0C0;
+  BgrColor ColorLineSynchro = 0x800080;
+  BgrColor ColorText = 0x000000;
+  BgrColor Background = 0xFFFFFF;  // of the chosen background colour set
+};
+
+struct SignalViewOptions {
+  // Section Signal.
+  bool StatusBarParameter = true;
+  bool Control = true;
+  bool StatusBar = true;
+  bool ScaleX = true;
+  bool ScaleY = true;
+  SignalCursor Cursor = SignalCursor::None;
+  bool Otmetchick = true;
+  bool OtmetchickLine = true;
+  bool LineCenter = false;
+  bool LineZero = true;
+  bool BeginPoint = false;
+  // Section Parameters.
+  bool AutoY0 = true;
+  bool ViewRealTime = false;
+  bool StatusFilterConst = true;
+  bool SignalParameterMax = true;
+  // Section Otmetchick: detector settings handed to the engine; with
+  // OtmetchickAuto the engine writes level and direction back.
+  int OtmetchickAuto = 1;
+  int OtmetchickLevel = 100;
+  int OtmetchickDirect = 1;
+  int OtmetchickDrebezg = 10;
+  int OtmetchickNoise = 100;
+  SignalColors colors;
+  // frmViewColorProperty is open: a cursor move fills ColorPropertyValues.
+  bool ColorPropertyOpen = false;
+};
+
+// Results of the shaft marker detector for the drawn range.
+struct RotorSpeed {
+  double RotorSpeedMin = 0.0;  // rpm
+  double RotorSpeedMax = 0.0;
+  int RotorPercentMin = 0;     // percent of FreqRotorN
+  int RotorPercentMax = 0;
+};
+
+// ---------------------------------------------------------------------------
+// Window members and control values. The window keeps one of these and
+// copies the control fields into its widgets after each call.
+// ---------------------------------------------------------------------------
+
+struct SignalViewState {
+  int W = 0;  // picture size, pixels
+  int H = 0;
+
+  // Controls.
+  int SliderH = 0;  // horizontal zoom 2^SliderH
+  int SliderHMax = 14;
+  QString SliderHToolTip;
+  int SliderV = -1;  // index into AmplitudeScales, -1 "Авто"
+  QString SliderVToolTip = QStringLiteral("Авто");
+  int HScroll1 = 1;  // position in time, in ScrollStep units
+  int HScrollMin = 1;
+  int HScrollMax = 1;
+  int HScrollLargeChange = 1;
+  int VScroll1 = 0;  // zero line of FirstChannelActive, pixels
+  int VScrollMin = 0;
+  int VScrollMax = 0;
+  int ScrollStep = 1;
+
+  // Drawing members.
+  int CentreSample = 16384;
+  double PixelsPerSample = 1.0;
+  double PixelsPerUnit = 1.0;
+  double PixelsPerUnitFirst = 1.0;
+
+  // Cross-hair and dragging.
+  int CursorX = -1;
+  int CursorY = -1;
+  int CursorSample = 0;
+  QString CursorValueText;
+  int DragX = -1;
+  int DragY = -1;
+  bool DragLock = false;
+  bool ImpositionLock = false;  // set while RefreshElementsImposition moves controls
+  int SelectSaveFirst = 0;
+  int SelectSaveLast = 0;
+
+  // Shaft marker results of the last build and the speed text made from them.
+  RotorSpeed speed;
+  QString RotorSpeedText;
+  bool FreqRotorVisible = false;
+
+  // One parameter line per channel for the copy header.
+  PerChannel<QString> ChannelParameterText;
+  // Value texts for frmViewColorProperty, per active channel, from the last
+  // cursor move.
+  PerChannel<QString> ColorPropertyValues;
+};
+
+// ---------------------------------------------------------------------------
+// Pure geometry.
+// ---------------------------------------------------------------------------
+
+// Step of the time grid, seconds, for visible time T seconds; 0 above 36000 s.
+double NiceTimeStep(double visibleSeconds);
+// Samples per unit of HScroll1: round(N / 32768) above 32768, else 1.
+int ScrollStepFor(int signalDataN);
+// Top of SliderH: round(log2(N) - 1), at least 0.
+int SliderHMaxFor(int signalDataN);
+// 2^SliderH * W / SignalDataN.
+double PixelsPerSampleFor(int sliderH, int widthPx, int signalDataN);
+// 0.5*H / (4^Volume * ChannelYm), the vertical factor of a channel.
+double PixelsPerUnitFor(int heightPx, int volume, int channelYm);
+// Pixel column of a sample: (sample - ViewFirst) * PixelsPerSample.
+double SampleToX(int sample, int viewFirst, double pixelsPerSample);
+// Sample under pixel column x (CursorSample).
+int XToSample(int x, int hScroll1, int scrollStep, double pixelsPerSample);
+// Sample under x for a selection edge: round(ViewFirst + (ViewLast-ViewFirst) * x / W).
+int SelectionSampleAt(double x, int viewFirst, int viewLast, int widthPx);
+// Zero lines of the active used channels sharing the height in equal bands:
+// round(H*k/n + (H/n)/2) for k = 0..n-1.
+std::vector<int> BandCentres(int heightPx, int activeCount);
+// Auto scale: smallest AmplitudeScales entry above the channel's peak (in
+// display units at gain 0), times the number of active channels; 10 when the
+// peak exceeds every entry.
+int AutoChannelYm(int signalMaxValue, float ku, int volume, int activeCount);
+// Time of day text of a moment in seconds: long time form, "." and three
+// digits of milliseconds when these are not zero.
+QString TimeText(double seconds);
+// Seconds of the view's clock at a sample (adds RecordDate with ViewRealTime,
+// the block's place in SolidMode).
+double SampleSeconds(const AppState& s, const SignalViewOptions& o, double sample);
+
+// ---------------------------------------------------------------------------
+// Window operations (no argument in the window; here the state is explicit).
+// ---------------------------------------------------------------------------
+
+// On load of the window: the controls for the stored SliderH and HScroll1.
+void InitSignalView(const AppState& s, SignalViewState& v);
+// Top of SliderH from SignalDataN.
+void SetMaxValueMas(const AppState& s, SignalViewState& v);
+// Tooltip, ScrollStep, HScroll1 range and position, ViewFirst and ViewLast
+// from SliderH and CentreSample.
+void ConfigSliderH(AppState& s, SignalViewState& v);
+// VScroll1 to mid-height, SliderH to 0, HScroll1 to 1.
+void ResetValueElements(SignalViewState& v);
+// Unplaced channels to mid-height; VScroll1 to FirstChannelActive.
+void SetY0(AppState& s, SignalViewState& v);
+// Controls in line with a new FirstChannelActive.
+void RefreshElementsImposition(const AppState& s, SignalViewState& v);
+// Equal bands and auto scales (only with AutoY0).
+void AccountChannelY0(AppState& s, const SignalViewOptions& o, SignalViewState& v);
+
+// The whole picture: runs the shaft marker detector for the current range,
+// then draws in the fixed order. W or H below 50 gives an empty list.
+DrawList BuildSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v, const FontMetrics& fm);
+// The drawing alone, on results already in the state (ShaftMarks, speed).
+// Places unplaced channels, sets PixelsPerSample, PixelsPerUnitFirst, the
+// unit, and clears the cursor memory.
+DrawList DrawSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v, const FontMetrics& fm);
+// The selection as an inverted region (appended to a list).
+void BuildSelectRegion(const AppState& s, const SignalViewState& v, DrawList& list);
+// The cross-hair at CursorX, CursorY, drawn inverted over the picture.
+void AppendCrosshair(const SignalViewState& v, DrawList& list);
+
+// ---------------------------------------------------------------------------
+// Status bar StatusBar1.
+// ---------------------------------------------------------------------------
+
+enum class SignalPanel { Dimension, Scale, Window, Center, Cursor, Level, Select, SelectLen, Y0, BeginPoint, SignalDataN, kCount };
+
+struct SignalStatus {
+  std::array<QString, static_cast<size_t>(SignalPanel::kCount)> text;
+  bool beginPointEnabled = false;  // also mnuSignalBeginPoint
+  bool selectionCommandsEnabled = false;  // mnuSignalDelete, Smoothly, Zero, Memory, Paste
+  const QString& operator[](SignalPanel p) const { return text[static_cast<size_t>(p)]; }
+};
+
+// The panel texts (calls SetChannelUnit first).
+SignalStatus OutInfoToStatusBar(AppState& s, const SignalViewOptions& o, const SignalViewState& v);
+
+// ---------------------------------------------------------------------------
+// Events. Each returns what the window must do afterwards, in this order:
+// the cheaper or full ViewRefresh, a redraw (BuildSignal), the cross-hair,
+// the status bar, the controls.
+// ---------------------------------------------------------------------------
+
+struct SignalAction {
+  bool viewRefresh = false;   // ViewRefresh of all open views
+  bool cheapRefresh = false;  // the cheaper ViewRefresh
+  bool redraw = false;        // BuildSignal
+  bool crosshair = false;     // repaint the cross-hair overlay
+  bool statusBar = false;     // OutInfoToStatusBar
+  bool controls = false;      // copy control values to the widgets
+  bool popupMenu = false;     // show mnuSignal at the pointer
+  bool optionsChanged = false;  // a Signal option flipped: save it
+  bool colorProperty = false;   // frmViewColorProperty rows changed
+  SignalAction& operator|=(const SignalAction& o);
+};
+
+enum class MouseButton { Left, Right, Other };
+
+SignalAction MouseDown(AppState& s, const SignalViewOptions& o, SignalViewState& v, MouseButton b, double x, double y);
+// leftHeld: the left button is down during the move.
+SignalAction MouseMove(AppState& s, const SignalViewOptions& o, SignalViewState& v, double x, double y, bool leftHeld);
+SignalAction MouseUp(AppState& s, const SignalViewOptions& o, SignalViewState& v);
+// finished: the scroll bar was released (Change), not dragged (Scroll).
+SignalAction HScrollChanged(AppState& s, SignalViewState& v, int position, bool finished);
+SignalAction VScrollChanged(AppState& s, SignalViewState& v, int position);
+// scrolling: the thumb is still being dragged (only the tooltip follows).
+SignalAction SliderHChanged(AppState& s, SignalViewState& v, int position, bool scrolling);
+SignalAction SliderVChanged(AppState& s, SignalViewState& v, int position);
+SignalAction StatusPanelClicked(AppState& s, SignalViewOptions& o, SignalViewState& v, SignalPanel panel, MouseButton b);
+// SetTypeCursorViewSignal: flips entry Free or Bound, clears the selection.
+SignalAction SetTypeCursorViewSignal(AppState& s, SignalViewOptions& o, SignalViewState& v, SignalCursor entry);
+// SignalLineCenter, SignalBeginPoint.
+SignalAction SignalLineCenter(SignalViewOptions& o);
+SignalAction SignalBeginPoint(SignalViewOptions& o);
+// Pointer over the picture: true for the cross icon.
+bool CrossPointer(const SignalViewOptions& o);
+
+// ---------------------------------------------------------------------------
+// FormResize: where the bars go in the window's inner area.
+// ---------------------------------------------------------------------------
+
+struct PixelRect {
+  int left = 0, top = 0, width = 0, height = 0;
+  bool visible = false;
+};
+
+struct SignalLayout {
+  PixelRect picture, sliderH, sliderV, hScroll, vScroll, statusBar, statusBarParameter;
+  bool moved = false;  // false: the inner area was too small, nothing moves
+};
+
+struct SignalBarSizes {
+  int statusBarPx = 22;
+  int parameterBarPx = 22;
+  int scrollPx = 17;
+  int sliderPx = 24;
+};
+
+SignalLayout FormResize(int innerWidthPx, int innerHeightPx, const SignalViewOptions& o, const SignalBarSizes& bars = {});
+
+}  // namespace aqx::views
