@@ -1,0 +1,347 @@
+#include "files/Wave.h"
+
+#include "core/Numeric.h"
+#include "files/Layout.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+namespace aqx {
+
+namespace {
+
+const QString kErrorTitle = QStringLiteral("Ошибка");
+const QString kUnknownFormat = QStringLiteral("Файл неизвестного формата.");
+
+// The fixed 44-byte header of a plain PCM file. Other writers put more into
+// the format block and add chunks before the samples; the reader takes the
+// first 36 bytes from here and walks the chunks itself.
+struct WaveHeader {
+  QByteArray riffTag;
+  uint32_t riffBytes = 0;  // file size - 8
+  QByteArray waveTag;
+  QByteArray fmtTag;
+  uint32_t fmtBytes = 0;
+  uint16_t format = 0;
+  uint16_t channels = 0;
+  uint32_t samplesPerSecond = 0;
+  uint32_t bytesPerSecond = 0;
+  uint16_t blockAlign = 0;
+  uint16_t bitsPerSample = 0;
+  QByteArray dataTag;
+  uint32_t dataBytes = 0;
+};
+
+LayoutField<WaveHeader> TagField(std::string_view name, int64_t offset, QByteArray WaveHeader::*member) {
+  return {name, FieldType::Bytes, offset, 1, 1, 4,
+          [member](WaveHeader& h, int, int) -> FieldTarget { return &(h.*member); }};
+}
+
+Layout<WaveHeader> WaveHeaderLayout() {
+  using H = WaveHeader;
+  return {
+      TagField("RIFF", 0, &H::riffTag),
+      ScalarField("riffBytes", FieldType::UInt32, &H::riffBytes, 4),
+      TagField("WAVE", 8, &H::waveTag),
+      TagField("fmt", 12, &H::fmtTag),
+      ScalarField("fmtBytes", FieldType::UInt32, &H::fmtBytes, 16),
+      ScalarField("format", FieldType::UInt16, &H::format, 20),
+      ScalarField("channels", FieldType::UInt16, &H::channels, 22),
+      ScalarField("samplesPerSecond", FieldType::UInt32, &H::samplesPerSecond, 24),
+      ScalarField("bytesPerSecond", FieldType::UInt32, &H::bytesPerSecond, 28),
+      ScalarField("blockAlign", FieldType::UInt16, &H::blockAlign, 32),
+      ScalarField("bitsPerSample", FieldType::UInt16, &H::bitsPerSample, 34),
+      TagField("data", 36, &H::dataTag),
+      ScalarField("dataBytes", FieldType::UInt32, &H::dataBytes, 40),
+  };
+}
+
+constexpr uint16_t kFormatPcm = 1;
+constexpr uint16_t kFormatExtensible = 0xFFFE;
+// Tail of the sub-format identifier that marks an extensible block as
+// plain integer PCM (its first two bytes carry the format, 1).
+constexpr unsigned char kPcmSubFormatTail[14] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
+                                                 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+
+uint32_t LittleU32(std::span<const char> bytes, size_t at) {
+  uint32_t v = 0;
+  for (size_t i = 4; i-- > 0;) v = (v << 8) | static_cast<uint8_t>(bytes[at + i]);
+  return v;
+}
+
+uint16_t LittleU16(std::span<const char> bytes, size_t at) {
+  return static_cast<uint16_t>(static_cast<uint8_t>(bytes[at]) |
+                               (static_cast<uint8_t>(bytes[at + 1]) << 8));
+}
+
+// Writers such as sox mark more than two channels (and more than 16 bits) as
+// "extensible" with a PCM sub-format; that is PCM all the same.
+bool IsPcm(const WaveHeader& h, std::span<const char> bytes) {
+  if (h.format == kFormatPcm) return true;
+  if (h.format != kFormatExtensible || h.fmtBytes < 40) return false;
+  constexpr size_t subFormatAt = 20 + 24;
+  return LittleU16(bytes, subFormatAt) == kFormatPcm &&
+         std::memcmp(bytes.data() + subFormatAt + 2, kPcmSubFormatTail, sizeof kPcmSubFormatTail) == 0;
+}
+
+// A chunk tag of four printable characters is a chunk that other programs
+// are entitled to add ("LIST", "PAD ", "fact", "JUNK"...); the reader steps
+// over it. Anything else means the walk has lost the structure.
+bool IsChunkTag(std::span<const char> bytes, size_t at) {
+  for (size_t i = 0; i < 4; ++i) {
+    const auto ch = static_cast<unsigned char>(bytes[at + i]);
+    if (ch < 0x20 || ch > 0x7E) return false;
+  }
+  return true;
+}
+
+// Power-of-two length of the store for P samples: 2^(Int(log2 P) + 1),
+// at most the store.
+int StoreLengthFor(size_t frames) {
+  if (frames >= static_cast<size_t>(kMaxSamples)) return kMaxSamples;
+  return static_cast<int>(std::bit_floor(frames) * 2);
+}
+
+bool SaveBytes(const QString& path, const QByteArray& bytes, Prompts& prompts, const QString& title) {
+  // QSaveFile writes next to the target and renames on commit, so a failed
+  // export never leaves half a file under the chosen name.
+  QSaveFile file(path);
+  if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+    return true;
+  prompts.message(QStringLiteral("Не удалось записать файл %1.").arg(QDir::toNativeSeparators(path)),
+                  title, PromptButtons::Ok, PromptIcon::Critical);
+  return false;
+}
+
+}  // namespace
+
+QByteArray BuildWaveBytes(const AppState& state, std::span<const int> channels, int sampleCount,
+                          int samplesPerSecond) {
+  const uint32_t count = static_cast<uint32_t>(channels.size());
+  const uint32_t frames = static_cast<uint32_t>(std::max(0, sampleCount));
+  const uint32_t dataBytes = count * frames * 2;
+  WaveHeader h;
+  h.riffTag = "RIFF";
+  h.riffBytes = dataBytes + 36;
+  h.waveTag = "WAVE";
+  h.fmtTag = "fmt ";
+  h.fmtBytes = 16;
+  h.format = kFormatPcm;
+  h.channels = static_cast<uint16_t>(count);
+  h.samplesPerSecond = static_cast<uint32_t>(samplesPerSecond);
+  h.bytesPerSecond = static_cast<uint32_t>(samplesPerSecond) * count * 2;
+  h.blockAlign = static_cast<uint16_t>(count * 2);
+  h.bitsPerSample = 16;
+  h.dataTag = "data";
+  h.dataBytes = dataBytes;
+
+  QByteArray bytes(static_cast<qsizetype>(kWaveHeaderBytes + dataBytes), '\0');
+  WriteLayout(WaveHeaderLayout(), h, std::span<char>(bytes.data(), kWaveHeaderBytes));
+  char* out = bytes.data() + kWaveHeaderBytes;
+  for (uint32_t row = 1; row <= frames; ++row)
+    for (int c : channels) {
+      const auto code = static_cast<uint16_t>(state.SignalData.at(static_cast<int>(row), c));
+      *out++ = static_cast<char>(code & 0xFF);
+      *out++ = static_cast<char>(code >> 8);
+    }
+  return bytes;
+}
+
+bool WriteWaveFile(const AppState& state, const QString& path, Prompts& prompts, const QString& title) {
+  std::vector<int> channels;
+  for (int c = 1; c <= ChannelCount(state); ++c)
+    if (state.channels.Channel[c] == 1) channels.push_back(c);
+  if (channels.empty()) {
+    prompts.message(QStringLiteral("В записи нет ни одного канала с данными."), title,
+                    PromptButtons::Ok, PromptIcon::Exclamation);
+    return false;
+  }
+  return SaveBytes(path, BuildWaveBytes(state, channels, state.SignalDataN, state.FreqDesc), prompts,
+                   title);
+}
+
+bool WriteWaveChannel(const AppState& state, int channel, const QString& path,
+                      int samplesPerSecond, Prompts& prompts, const QString& title) {
+  const int one[] = {std::clamp(channel, 1, kMaxChannels)};
+  return SaveBytes(path, BuildWaveBytes(state, one, state.SignalDataN, samplesPerSecond), prompts,
+                   title);
+}
+
+bool ParseWave(std::span<const char> bytes, WaveContents& contents, QString& refusal) {
+  // A file shorter than the header reads as zeros beyond its end, so that
+  // each check below refuses it with its own text.
+  char prefix[kWaveHeaderBytes] = {};
+  std::memcpy(prefix, bytes.data(), std::min(bytes.size(), kWaveHeaderBytes));
+  WaveHeader h;
+  ReadLayout(WaveHeaderLayout(), std::span<const char>(prefix, kWaveHeaderBytes), h);
+
+  if (h.riffTag != "RIFF") {
+    refusal = QStringLiteral("Файл не RIFF формата.");
+    return false;
+  }
+  if (h.waveTag != "WAVE") {
+    refusal = QStringLiteral("Файл не WAVE формата.");
+    return false;
+  }
+  const size_t size = bytes.size();
+  if (h.fmtTag != "fmt " || h.fmtBytes < 16 || uint64_t{h.fmtBytes} + 20 > size) {
+    refusal = kUnknownFormat;
+    return false;
+  }
+  if (!IsPcm(h, bytes)) {
+    refusal = QStringLiteral("Файл не PCM формата.");
+    return false;
+  }
+  if (h.bitsPerSample != 8 && h.bitsPerSample != 16) {
+    refusal = QStringLiteral("Файл неподдерживаемого %1-битного формата.").arg(h.bitsPerSample);
+    return false;
+  }
+  if (h.channels == 0 || h.samplesPerSecond == 0 ||
+      h.blockAlign != h.channels * (h.bitsPerSample / 8)) {
+    refusal = kUnknownFormat;
+    return false;
+  }
+
+  // Chunks are word-aligned: an odd size is followed by one pad byte.
+  size_t at = 20 + static_cast<size_t>(h.fmtBytes) + (h.fmtBytes & 1u);
+  for (;;) {
+    if (at > size || size - at < 8 || !IsChunkTag(bytes, at)) {
+      refusal = kUnknownFormat;
+      return false;
+    }
+    const uint32_t chunkBytes = LittleU32(bytes, at + 4);
+    if (std::memcmp(bytes.data() + at, "data", 4) == 0) {
+      contents.dataOffset = at + 8;
+      // Writers that stream (and never come back to the size) leave it too
+      // large; what the file holds is what counts.
+      const size_t dataBytes = std::min<size_t>(chunkBytes, size - contents.dataOffset);
+      contents.frameCount = dataBytes / h.blockAlign;
+      break;
+    }
+    at += 8 + static_cast<size_t>(chunkBytes) + (chunkBytes & 1u);
+  }
+  if (contents.frameCount == 0) {
+    refusal = QStringLiteral("Файл не содержит отсчётов.");
+    return false;
+  }
+  contents.channels = h.channels;
+  contents.samplesPerSecond = static_cast<int>(std::min<uint32_t>(h.samplesPerSecond, INT32_MAX));
+  contents.bitsPerSample = h.bitsPerSample;
+  contents.blockAlign = h.blockAlign;
+  return true;
+}
+
+bool ReadFileWave(AppState& state, Prompts& prompts) {
+  QFile file(state.PathFileData);
+  if (!file.open(QIODevice::ReadOnly)) {
+    prompts.message(QStringLiteral("Не удалось открыть файл %1.")
+                        .arg(QDir::toNativeSeparators(state.PathFileData)),
+                    kErrorTitle, PromptButtons::Ok, PromptIcon::Critical);
+    return false;
+  }
+  const QByteArray bytes = file.readAll();
+  file.close();
+
+  WaveContents w;
+  QString refusal;
+  if (!ParseWave(std::span<const char>(bytes.constData(), static_cast<size_t>(bytes.size())), w,
+                 refusal)) {
+    prompts.message(refusal, kErrorTitle, PromptButtons::Ok, PromptIcon::Critical);
+    return false;
+  }
+
+  const int rows = StoreLengthFor(w.frameCount);
+  // 2^(Int(log2 P) + 1) passes the store from P = 1048576 on, but only a
+  // longer file loses samples; that is what the warning is about.
+  if (w.frameCount > static_cast<size_t>(kMaxSamples))
+    prompts.message(QStringLiteral("Файл слишком большой!"), QStringLiteral("Внимание"),
+                    PromptButtons::Ok, PromptIcon::Exclamation);
+
+  auto& ch = state.channels;
+  for (int c = 1; c <= kMaxChannels; ++c) {
+    ch.Channel[c] = 0;
+    ch.Active[c] = 0;
+  }
+  const int used = std::min(w.channels, ChannelCount(state));
+  for (int c = 1; c <= used; ++c) {
+    ch.Channel[c] = 1;
+    ch.Type[c] = 5;
+    ch.Place[c].clear();
+    ch.Direct[c].clear();
+    ch.SensorName[c].clear();
+    ch.Ku[c] = 1.0f;
+    ch.KS[c] = 0.0f;
+    ch.Volume[c] = 0;
+    ch.ChannelColor[c] = 0;
+    // A zero or a layout of the recording before would skew this one.
+    ch.Zero[c] = 0;
+    ch.ChannelY[c] = 1000000;
+    ch.ChannelYm[c] = -1;
+  }
+
+  // Nearest sample: row k takes file sample round((k - 1) * P / rows). The
+  // index can pass 2^31 for a 4 GB file, so it is rounded in 64 bits
+  // (nearbyint rounds half to even in the default mode).
+  const double step = static_cast<double>(w.frameCount) / rows;
+  const char* data = bytes.constData() + w.dataOffset;
+  const size_t lastFrame = w.frameCount - 1;
+  for (int k = 1; k <= rows; ++k) {
+    const auto nearest = static_cast<size_t>(std::nearbyint((k - 1) * step));
+    const char* frame = data + std::min(nearest, lastFrame) * static_cast<size_t>(w.blockAlign);
+    for (int c = 1; c <= used; ++c) {
+      int16_t code;
+      if (w.bitsPerSample == 16) {
+        const char* s = frame + (c - 1) * 2;
+        code = static_cast<int16_t>(static_cast<uint8_t>(s[0]) | (static_cast<uint8_t>(s[1]) << 8));
+      } else {
+        code = static_cast<uint8_t>(frame[c - 1]);
+      }
+      state.SignalData.at(k, c) = code;
+    }
+  }
+
+  state.SignalDataN = rows;
+  state.ViewFirst = 1;
+  state.ViewLast = rows;
+  state.SelectFirst = 0;
+  state.SelectLast = 0;
+  // The store now spans the file's time in `rows` samples.
+  state.FreqDesc = std::max(1, RoundHalfEven(static_cast<double>(w.samplesPerSecond) * rows /
+                                             static_cast<double>(w.frameCount)));
+  state.FreqDescR = state.FreqDesc;
+  state.SolidMode = false;
+  state.SolidBlockCount = 0;
+  state.SolidBlockN = 1;
+  state.SolidBlockM = 1;
+  state.markers.MarkerN = 0;
+  state.FirstChannelActive = 1;
+  ch.Active[1] = 1;
+  RecountChannelUsedCount(state);
+  ApplyBlockRule(state);
+  state.DataSaved = true;
+  return true;
+}
+
+bool ExportWaveCommand(const AppState& state, Prompts& prompts) {
+  const QString title = QStringLiteral("Экспорт");
+  const QString suggested =
+      state.PathFileData.isEmpty() ? QString() : QFileInfo(state.PathFileData).completeBaseName() +
+                                                     QStringLiteral(".wav");
+  const auto path = prompts.chooseSaveFile(title, state.InitDirSave, suggested,
+                                           QStringLiteral("WAVE (*.wav)|*.wav|Все файлы (*.*)|*.*"));
+  if (!path || path->isEmpty()) return false;
+  if (QFileInfo::exists(*path) &&
+      prompts.ask(QStringLiteral("Файл с таким именем уже существует. Заменить?"), title,
+                  PromptButtons::YesNo) != PromptAnswer::Yes)
+    return false;
+  return WriteWaveFile(state, *path, prompts, title);
+}
+
+}  // namespace aqx

@@ -1,0 +1,56 @@
+#pragma once
+// WAVE files: a recording goes out as 16-bit PCM, and a PCM file of 8 or 16
+// bits comes in as a recording, stretched or thinned to the power-of-two
+// length of the sample store.
+
+#include "core/AppState.h"
+#include "core/Prompts.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdint>
+#include <span>
+
+namespace aqx {
+
+inline constexpr size_t kWaveHeaderBytes = 44;
+
+// The whole file for `sampleCount` frames of the given channels (1..32, in
+// the order given), each sample the 16-bit code unchanged, at
+// `samplesPerSecond`.
+QByteArray BuildWaveBytes(const AppState& state, std::span<const int> channels, int sampleCount,
+                          int samplesPerSecond);
+
+// All channels with Channel = 1 (up to ChannelCount), SignalDataN frames at
+// FreqDesc, to `path` through a temporary file. Failures are told under
+// `title`; true when the file is in place.
+bool WriteWaveFile(const AppState& state, const QString& path, Prompts& prompts,
+                   const QString& title = QStringLiteral("Экспорт"));
+// One channel in the same form at the rate given (the player's choice).
+bool WriteWaveChannel(const AppState& state, int channel, const QString& path,
+                      int samplesPerSecond, Prompts& prompts,
+                      const QString& title = QStringLiteral("Экспорт"));
+
+// What a WAVE file holds, after its header has been checked.
+struct WaveContents {
+  int channels = 0;
+  int samplesPerSecond = 0;
+  int bitsPerSample = 0;
+  int blockAlign = 0;
+  size_t dataOffset = 0;     // first sample byte
+  size_t frameCount = 0;     // P: samples per channel
+};
+
+// Checks the header and finds the samples. On refusal returns false with the
+// user's text in `refusal` (title "Ошибка").
+bool ParseWave(std::span<const char> bytes, WaveContents& contents, QString& refusal);
+
+// Reads PathFileData into the state. Nothing changes when the file is refused.
+bool ReadFileWave(AppState& state, Prompts& prompts);
+
+// The export command: save dialog in InitDirSave, the question before an
+// existing file is replaced, the write. True when a file was written.
+bool ExportWaveCommand(const AppState& state, Prompts& prompts);
+
+}  // namespace aqx
