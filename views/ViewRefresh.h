@@ -58,7 +58,9 @@ struct ViewRegistry {
   bool colorPropertyOpen = false;
   bool parametersOpen = false;
 
-  // One action per step.
+  // One action per step. The rotor form step returns the engine's result
+  // instead: the windows' InitData follow only on 0.
+  std::function<int()> formaRotorAccount;
   std::array<std::function<void()>, kRefreshStepCount> actions;
 
   std::function<void()>& operator[](RefreshStep step) { return actions[static_cast<size_t>(step)]; }

@@ -39,13 +39,11 @@ struct ParameterBar {
 ParameterBar BuildParameterBar(AppState& s, const SignalViewOptions& o, SignalViewState& v,
                                const ParameterReadings& r, int barWidthPx);
 
-// frmViewParameters: the one line of the active channel's main reading.
-struct ParameterTableReadings {
-  double probeLevel = 0.0;  // band level of a vibration kind channel, µm
-  RotorSpeed speed;         // of the shaft marker detector
-  int32_t signalMaxValue = 0;  // of AccountSignalMax for the channel
-};
-QString ParameterTableText(AppState& s, const ParameterTableReadings& r);
+// frmViewParameters: the one line of the active channel's main reading, from
+// the band levels (run-out and vibration), the detector's speeds (shaft
+// marker) or SignalMaxValue (every other type).
+QString ParameterTableText(AppState& s, const SignalViewOptions& o, const ParameterReadings& r,
+                           const RotorSpeed& speed);
 // The line in large type centred in the picture pctOut; the font size
 // follows the picture so that the line fits.
 DrawList BuildParameterTable(const QString& line, int widthPx, int heightPx, BgrColor background,

@@ -68,12 +68,15 @@ struct SignalViewOptions {
   bool ColorPropertyOpen = false;
 };
 
-// Results of the shaft marker detector for the drawn range.
+// Results of the shaft marker detector for the drawn range. With
+// OtmetchickAuto the detector's own level and direction come back here.
 struct RotorSpeed {
   double RotorSpeedMin = 0.0;  // rpm
   double RotorSpeedMax = 0.0;
   int RotorPercentMin = 0;     // percent of FreqRotorN
   int RotorPercentMax = 0;
+  int OtmetchickLevel = 100;
+  int OtmetchickDirect = 1;
 };
 
 // ---------------------------------------------------------------------------
@@ -134,6 +137,8 @@ struct SignalViewState {
 // Pure geometry.
 // ---------------------------------------------------------------------------
 
+// Entry 0..17 of AmplitudeScales (held to the table).
+int AmplitudeScale(int index);
 // Step of the time grid, seconds, for visible time T seconds; 0 above 36000 s.
 double NiceTimeStep(double visibleSeconds);
 // Samples per unit of HScroll1: round(N / 32768) above 32768, else 1.
@@ -160,9 +165,13 @@ int AutoChannelYm(int signalMaxValue, float ku, int volume, int activeCount);
 // Time of day text of a moment in seconds: long time form, "." and three
 // digits of milliseconds when these are not zero.
 QString TimeText(double seconds);
-// Seconds of the view's clock at a sample (adds RecordDate with ViewRealTime,
-// the block's place in SolidMode).
+// What the view's clock adds to a time from the start of the store: the
+// recording's time of day with ViewRealTime, the block's place in SolidMode.
+double ClockOffsetSeconds(const AppState& s, const SignalViewOptions& o);
+// Seconds of the view's clock at a sample: sample / FreqDesc plus the offset.
 double SampleSeconds(const AppState& s, const SignalViewOptions& o, double sample);
+// The speed text of the status panel FreqRotor and the parameter bar.
+QString RotorSpeedText(const RotorSpeed& speed);
 
 // ---------------------------------------------------------------------------
 // Window operations (no argument in the window; here the state is explicit).

@@ -1,0 +1,383 @@
+// The picture's rules, read off the primitive list: where lines go, what the
+// trace's first points are, what the grids step by.
+
+#include "SignalTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace aqx {
+namespace {
+
+using namespace views;
+using namespace testing_views;
+
+constexpr int kW = 200;
+constexpr int kH = 100;
+
+DrawList Draw(AppState& s, const SignalViewOptions& o, SignalViewState& v) { return DrawSignal(s, o, v, FontMetrics{}); }
+
+// 100 samples over 200 pixels: two pixels per sample, the staircase branch.
+struct DcRecording : ::testing::Test {
+  std::unique_ptr<AppState> s = MakeState(100);
+  SignalViewOptions o = TestOptions();
+  SignalViewState v;
+  void SetUp() override {
+    for (int i = 1; i <= 100; ++i) s->SignalData.at(i, 1) = 40;
+    v = ViewOf(*s, kW, kH);
+  }
+};
+
+TEST_F(DcRecording, StaircaseDrawsTheFirstSampleAtOneAndAQuarterTimesTheScale) {
+  const DrawList list = Draw(*s, o, v);
+  const auto traces = TracesOf(list);
+  ASSERT_EQ(traces.size(), 1u);
+  const Polyline& t = traces[0];
+  // Ku 1.25, ChannelYm 100 over half of 100 px: 0.4 px per code.
+  ASSERT_GE(t.xs.size(), 4u);
+  EXPECT_EQ(t.xs[0], 0);
+  EXPECT_EQ(t.ys[0], 50 - 20);  // 1.25 * 40 codes * 0.4
+  EXPECT_EQ(t.xs[1], 1);        // half a sample's width
+  EXPECT_EQ(t.ys[1], 30);
+  EXPECT_EQ(t.ys[2], 50 - 16);  // raw code 40 * 0.4
+  EXPECT_EQ(t.xs[2], 1);
+  EXPECT_EQ(t.xs[3], 3);
+  EXPECT_TRUE(std::all_of(t.ys.begin() + 2, t.ys.end(), [](int y) { return y == 34; }));
+  // Samples 2..100 (the view's end is the store's end), two points each.
+  EXPECT_EQ(t.xs.size(), 2u + 2u * 99u);
+  EXPECT_EQ(t.xs.back(), 199);
+  EXPECT_EQ(t.pen.color, s->channels.ChannelColor[1]);
+}
+
+TEST_F(DcRecording, StaircaseTakesOneSamplePastTheViewWhenTheStoreHasIt) {
+  v.SliderH = 1;
+  v.CentreSample = 25;
+  ConfigSliderH(*s, v);  // samples 1..50 in view
+  ASSERT_EQ(s->ViewLast, 50);
+  const Polyline t = TracesOf(Draw(*s, o, v))[0];
+  EXPECT_EQ(t.xs.size(), 2u + 2u * 50u);  // samples 2..51
+}
+
+TEST_F(DcRecording, ZeroLineAtTheCurrentChannelsZero) {
+  s->channels.ChannelY[1] = 37;
+  const auto zero = LinesOf(Draw(*s, o, v), kZero);
+  ASSERT_EQ(zero.size(), 1u);
+  EXPECT_EQ(zero[0].y1, 37);
+  EXPECT_EQ(zero[0].y2, 37);
+  EXPECT_EQ(zero[0].x1, 0);
+  EXPECT_EQ(zero[0].x2, kW);
+  o.LineZero = false;
+  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kZero).empty());
+}
+
+TEST_F(DcRecording, UnplacedZeroLineGoesToMidHeightAndStays) {
+  s->channels.ChannelY[1] = kChannelUnplaced;
+  Draw(*s, o, v);
+  EXPECT_EQ(s->channels.ChannelY[1], 50);
+}
+
+TEST_F(DcRecording, TimeGridStepsByTheNiceStepFromTheScrollPosition) {
+  o.ScaleY = false;
+  const DrawList list = Draw(*s, o, v);
+  // 0.1 s in view gives 0.01 s ticks, 20 px apart, the first one pixel left
+  // of sample 1.
+  std::vector<Line> grid = LinesOf(list, kGrid);
+  ASSERT_EQ(grid.size(), 11u);
+  for (size_t i = 0; i < grid.size(); ++i) {
+    EXPECT_EQ(grid[i].x1, -2 + 20 * static_cast<int>(i));
+    EXPECT_EQ(grid[i].y1, 0);
+    EXPECT_EQ(grid[i].y2, kH);
+    EXPECT_EQ(grid[i].pen.dash, DashStyle::Dot);
+  }
+  std::vector<Text> labels;
+  for (const Text& t : ItemsOf<Text>(list))
+    if (t.color == kTextColor) labels.push_back(t);
+  ASSERT_EQ(labels.size(), 11u);
+  EXPECT_EQ(labels[0].utf8, "0:00:00");
+  EXPECT_EQ(labels[1].utf8, "0:00:00.010");
+  EXPECT_EQ(labels[1].x, 19);
+  EXPECT_EQ(labels[1].y, kH - FontMetrics{}.lineHeight - 1);
+}
+
+TEST_F(DcRecording, LevelGridStepsATenthOfTheHeightAndAFifthOfTheScale) {
+  o.ScaleX = false;
+  const DrawList list = Draw(*s, o, v);
+  std::vector<int> ys;
+  for (const Line& l : LinesOf(list, kGrid)) ys.push_back(l.y1);
+  EXPECT_EQ(ys, (std::vector<int>{40, 30, 20, 10, 0, 60, 70, 80, 90, 100}));
+  std::vector<std::string> labels;
+  for (const Text& t : ItemsOf<Text>(list)) labels.push_back(t.utf8);
+  EXPECT_EQ(labels, (std::vector<std::string>{"20", "40", "60", "80", "100", "-20", "-40", "-60", "-80", "-100"}));
+}
+
+TEST_F(DcRecording, LevelGridLabelsDivideByTheUnit) {
+  o.ScaleX = false;
+  s->channels.ChannelYm[1] = 10000;  // shown in millimetres
+  const DrawList list = Draw(*s, o, v);
+  EXPECT_EQ(s->UnitName, QStringLiteral("мм"));
+  EXPECT_EQ(ItemsOf<Text>(list).front().utf8, "2");
+}
+
+TEST_F(DcRecording, ShaftMarkerLinesAtEachPulse) {
+  s->channels.Channel[2] = 1;
+  s->channels.Type[2] = 3;
+  s->ShaftMarkCount = 3;
+  s->ShaftMarks[0] = 11;
+  s->ShaftMarks[1] = 51;
+  s->ShaftMarks[2] = 500;  // beyond the view
+  v.speed = RotorSpeed{83.3, 83.3, 100, 100};
+  const auto lines = LinesOf(Draw(*s, o, v), kMarkerLine);
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0].x1, 20);
+  EXPECT_EQ(lines[1].x1, 100);
+  EXPECT_TRUE(v.FreqRotorVisible);
+  EXPECT_EQ(v.RotorSpeedText, RotorSpeedText(v.speed));
+  o.OtmetchickLine = false;
+  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kMarkerLine).empty());
+}
+
+TEST_F(DcRecording, NoMarkerChannelNoMarkerLinesAndNoSpeedPanel) {
+  s->ShaftMarkCount = 1;
+  s->ShaftMarks[0] = 11;
+  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kMarkerLine).empty());
+  EXPECT_FALSE(v.FreqRotorVisible);
+}
+
+TEST_F(DcRecording, ThresholdLineOfTheShownMarkerChannel) {
+  s->channels.Type[1] = 3;
+  o.OtmetchickAuto = 0;
+  o.OtmetchickLevel = 50;  // 50 units at 0.5 px per unit
+  s->InputMode = 3;
+  s->SynchroAdPorog = 20;
+  const DrawList list = Draw(*s, o, v);
+  const auto porog = LinesOf(list, kPorog);
+  ASSERT_EQ(porog.size(), 1u);
+  EXPECT_EQ(porog[0].y1, 25);
+  const auto synchro = LinesOf(list, kSynchro);
+  ASSERT_EQ(synchro.size(), 1u);
+  EXPECT_EQ(synchro[0].y1, 40);
+  bool caption = false;
+  for (const Text& t : ItemsOf<Text>(list)) {
+    if (t.utf8 == "Порог срабатывания отметчика") {
+      caption = true;
+      EXPECT_EQ(t.x, kW - 15);
+      EXPECT_EQ(t.y, 22);
+      EXPECT_EQ(t.anchor, TextAnchor::BottomRight);
+    }
+  }
+  EXPECT_TRUE(caption);
+}
+
+TEST_F(DcRecording, CentreLineAtTheCentreSample) {
+  o.LineCenter = true;
+  v.CentreSample = 51;
+  const auto centre = LinesOf(Draw(*s, o, v), kCentre);
+  ASSERT_EQ(centre.size(), 1u);
+  EXPECT_EQ(centre[0].x1, 100);
+}
+
+TEST_F(DcRecording, UserMarkerExactlyAtEitherEdgeIsNotDrawn) {
+  s->FreqDesc = 10;
+  s->ViewFirst = 10;
+  const double start = DateTimeToOle(QDateTime(QDate(2021, 3, 1), QTime(12, 0, 0)));
+  s->object.RecordDate = start;
+  s->markers.MarkerN = 3;
+  const int seconds[] = {1, 2, 11};  // x = 0, 20, 200
+  for (int i = 0; i < 3; ++i) {
+    s->markers.MarkerDate[static_cast<size_t>(i)] = start + seconds[i] / 86400.0;
+    s->markers.MarkerOn[static_cast<size_t>(i)] = 1;
+    s->markers.MarkerColor[static_cast<size_t>(i)] = 0x123456;
+    s->markers.MarkerRemark[static_cast<size_t>(i)] = QStringLiteral("Пуск");
+    s->markers.MarkerShift[static_cast<size_t>(i)] = 15;
+  }
+  const DrawList list = Draw(*s, o, v);
+  const auto lines = LinesOf(list, 0x123456);
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_EQ(lines[0].x1, 20);
+  bool remark = false;
+  for (const Text& t : ItemsOf<Text>(list))
+    if (t.color == 0x123456) {
+      remark = true;
+      EXPECT_EQ(t.utf8, "Пуск");
+      EXPECT_EQ(t.x, 21);
+      EXPECT_EQ(t.y, FontMetrics{}.lineHeight);
+    }
+  EXPECT_TRUE(remark);
+}
+
+TEST_F(DcRecording, BeginPointOnlyForRunOutWithoutOffsetAndConstantFilter) {
+  s->channels.Type[1] = 0;
+  s->channels.KS[1] = 20;  // 20 codes: 20 units, 10 px above the zero line
+  o.BeginPoint = true;
+  o.StatusFilterConst = false;
+  auto bp = LinesOf(Draw(*s, o, v), kBeginPoint);
+  ASSERT_EQ(bp.size(), 1u);
+  EXPECT_EQ(bp[0].y1, 40);
+  EXPECT_EQ(bp[0].pen.dash, DashStyle::Dash);
+  s->AccountOffset = true;
+  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kBeginPoint).empty());
+  s->AccountOffset = false;
+  o.StatusFilterConst = true;
+  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kBeginPoint).empty());
+}
+
+TEST_F(DcRecording, SelectionIsAnInvertedFullHeightBoxOrALineWhenNarrow) {
+  s->SelectFirst = 21;
+  s->SelectLast = 61;
+  auto boxes = ItemsOf<Rect>(Draw(*s, o, v));
+  ASSERT_EQ(boxes.size(), 2u);  // the selection, then the frame
+  EXPECT_TRUE(boxes[0].pen.xorMode);
+  EXPECT_TRUE(boxes[0].filled);
+  EXPECT_EQ(boxes[0].left, 40);   // 20 * 200 / 99
+  EXPECT_EQ(boxes[0].right, 121);  // 60 * 200 / 99
+  EXPECT_EQ(boxes[0].top, 0);
+  EXPECT_EQ(boxes[0].bottom, kH);
+  EXPECT_FALSE(boxes[1].pen.xorMode);
+  EXPECT_EQ(boxes[1].right, kW);
+
+  s->SelectLast = 21;
+  const DrawList narrow = Draw(*s, o, v);
+  EXPECT_EQ(ItemsOf<Rect>(narrow).size(), 1u);
+  const auto inverted = LinesOf(narrow, 0xFFFFFF);
+  ASSERT_EQ(inverted.size(), 1u);
+  EXPECT_TRUE(inverted[0].pen.xorMode);
+  EXPECT_EQ(inverted[0].x1, 40);
+}
+
+TEST_F(DcRecording, PictureBelowFiftyPixelsIsNotDrawn) {
+  v.W = 49;
+  EXPECT_TRUE(Draw(*s, o, v).items.empty());
+  v.W = kW;
+  v.H = 10;
+  EXPECT_TRUE(Draw(*s, o, v).items.empty());
+  v.H = 0;
+  v.W = 0;
+  EXPECT_TRUE(BuildSignal(*s, o, v, FontMetrics{}).items.empty());
+}
+
+TEST_F(DcRecording, CursorMemoryIsClearedByARedraw) {
+  v.CursorX = 10;
+  v.CursorY = 10;
+  Draw(*s, o, v);
+  EXPECT_EQ(v.CursorX, -1);
+  EXPECT_EQ(v.CursorY, -1);
+}
+
+TEST(SignalThinning, ALongRecordKeepsItsOneSamplePeak) {
+  auto s = MakeState(32768, 50, 1000);
+  s->SignalData.at(10000, 1) = 1000;  // 1000 units: half the picture's height
+  SignalViewOptions o = TestOptions();
+  SignalViewState v = ViewOf(*s, 400, 100);
+  const Polyline t = TracesOf(DrawSignal(*s, o, v, FontMetrics{}))[0];
+  ASSERT_LT(v.PixelsPerSample, 1.0);
+  ASSERT_EQ(t.xs.size(), 2u * 400u + 1u);
+  const auto top = std::min_element(t.ys.begin(), t.ys.end());
+  EXPECT_EQ(*top, 0);
+  const int x = t.xs[static_cast<size_t>(top - t.ys.begin())];
+  EXPECT_NEAR(x, 123, 1);  // sample 10000 of 32768 over 400 columns
+  EXPECT_EQ(*std::max_element(t.ys.begin(), t.ys.end()), 50);
+}
+
+TEST(SignalThinning, NyquistSignalFillsTheBandBetweenItsExtremes) {
+  auto s = MakeState(32768, 50, 100);
+  for (int i = 1; i <= 32768; ++i) s->SignalData.at(i, 1) = (i % 2) ? 50 : -50;
+  SignalViewOptions o = TestOptions();
+  SignalViewState v = ViewOf(*s, 400, 100);
+  const Polyline t = TracesOf(DrawSignal(*s, o, v, FontMetrics{}))[0];
+  for (size_t i = 1; i < t.xs.size(); i += 2) {
+    EXPECT_EQ(t.ys[i], 25) << "column " << t.xs[i];
+    EXPECT_EQ(t.ys[i + 1], 75) << "column " << t.xs[i];
+  }
+}
+
+TEST(SignalImposition, ChannelsShareTheHeightInBandsWithAutoScales) {
+  auto s = MakeState(100);
+  for (int c = 1; c <= 3; ++c) {
+    s->channels.Channel[c] = 1;
+    s->channels.Active[c] = 1;
+    s->channels.ChannelYm[c] = -1;
+    s->SignalMaxValue[c] = 40;
+    for (int i = 1; i <= 100; ++i) s->SignalData.at(i, c) = 0;
+  }
+  s->Imposition = true;
+  SignalViewOptions o = TestOptions();
+  o.AutoY0 = true;
+  SignalViewState v = ViewOf(*s, kW, kH);
+  AccountChannelY0(*s, o, v);
+  EXPECT_EQ(s->channels.ChannelY[1], 17);
+  EXPECT_EQ(s->channels.ChannelY[2], 50);
+  EXPECT_EQ(s->channels.ChannelY[3], 83);
+  for (int c = 1; c <= 3; ++c) EXPECT_EQ(s->channels.ChannelYm[c], 150);
+  const auto traces = TracesOf(DrawSignal(*s, o, v, FontMetrics{}));
+  ASSERT_EQ(traces.size(), 3u);
+  EXPECT_EQ(traces[0].ys[0], 17);  // code 0 sits on each band's zero line
+  EXPECT_EQ(traces[1].ys[0], 50);
+  EXPECT_EQ(traces[2].ys[0], 83);
+  EXPECT_EQ(traces[2].pen.color, s->channels.ChannelColor[3]);
+}
+
+TEST(SignalEdges, NoChannelInUseDrawsTheFrameAndNoTrace) {
+  auto s = MakeState(1000);
+  s->channels.Channel[1] = 0;
+  s->channels.Active[1] = 0;
+  RecountChannelUsedCount(*s);
+  SignalViewOptions o = TestOptions();
+  o.AutoY0 = true;
+  SignalViewState v = ViewOf(*s, kW, kH);
+  AccountChannelY0(*s, o, v);
+  const DrawList list = BuildSignal(*s, o, v, FontMetrics{});
+  EXPECT_TRUE(TracesOf(list).empty());
+  EXPECT_FALSE(ItemsOf<Rect>(list).empty());
+}
+
+TEST(SignalEdges, EveryChannelInUseAndShownOnTheLargestStore) {
+  auto s = MakeState(kMaxSamples);
+  for (int c = 1; c <= kMaxChannels; ++c) {
+    s->channels.Channel[c] = 1;
+    s->channels.Active[c] = 1;
+    s->channels.Volume[c] = c % 4;
+    s->channels.Type[c] = c % 10;
+  }
+  s->SignalData.at(kMaxSamples, 32) = 8191;
+  RecountChannelUsedCount(*s);
+  SignalViewOptions o = TestOptions();
+  o.AutoY0 = true;
+  SignalViewState v = ViewOf(*s, 640, 480);
+  AccountChannelY0(*s, o, v);
+  EXPECT_EQ(TracesOf(BuildSignal(*s, o, v, FontMetrics{})).size(), 32u);
+  s->ChannelDifferential = 1;
+  EXPECT_EQ(TracesOf(BuildSignal(*s, o, v, FontMetrics{})).size(), 16u);
+}
+
+TEST(SignalEdges, OneSampleAndAOneSampleView) {
+  auto s = MakeState(1);
+  s->SignalData.at(1, 1) = 8;
+  SignalViewOptions o = TestOptions();
+  SignalViewState v = ViewOf(*s, kW, kH);
+  const Polyline t = TracesOf(BuildSignal(*s, o, v, FontMetrics{}))[0];
+  EXPECT_EQ(t.xs, (std::vector<int>{0, 100}));
+  EXPECT_EQ(t.ys, (std::vector<int>{46, 46}));
+
+  auto big = MakeState(kMaxSamples);
+  SignalViewState deep = ViewOf(*big, kW, kH);
+  deep.SliderH = deep.SliderHMax;
+  deep.CentreSample = 1;
+  ConfigSliderH(*big, deep);
+  big->ViewLast = big->ViewFirst;  // one sample in view
+  big->SelectFirst = big->SelectLast = big->ViewFirst;
+  EXPECT_FALSE(BuildSignal(*big, o, deep, FontMetrics{}).items.empty());
+}
+
+TEST(SignalEdges, TenHoursInViewEndsThePictureAtTheTimeGrid) {
+  auto s = MakeState(kMaxSamples);
+  s->FreqDesc = 20;  // 52428 s in view
+  SignalViewOptions o = TestOptions();
+  SignalViewState v = ViewOf(*s, kW, kH);
+  EXPECT_TRUE(TracesOf(DrawSignal(*s, o, v, FontMetrics{})).empty());
+  o.ScaleX = false;
+  EXPECT_EQ(TracesOf(DrawSignal(*s, o, v, FontMetrics{})).size(), 1u);
+}
+
+}  // namespace
+}  // namespace aqx

@@ -1,0 +1,88 @@
+#pragma once
+// A small recording for the view tests: channel 1 in use and shown, codes
+// read 1:1 as display units (Ku 1.25), 1000 samples per second.
+
+#include "core/AppState.h"
+#include "core/Numeric.h"
+#include "views/Primitives.h"
+#include "views/signal/SignalView.h"
+
+#include <memory>
+#include <variant>
+#include <vector>
+
+namespace aqx::testing_views {
+
+// Distinct colours so that each kind of line can be picked out of a list.
+inline constexpr views::BgrColor kMarkerLine = 0x0000F1;
+inline constexpr views::BgrColor kPorog = 0x0000F2;
+inline constexpr views::BgrColor kCentre = 0x0000F3;
+inline constexpr views::BgrColor kBeginPoint = 0x0000F4;
+inline constexpr views::BgrColor kZero = 0x0000F5;
+inline constexpr views::BgrColor kGrid = 0x0000F6;
+inline constexpr views::BgrColor kSynchro = 0x0000F7;
+inline constexpr views::BgrColor kTextColor = 0x0000F8;
+
+inline std::unique_ptr<AppState> MakeState(int samples, int channelY = 50, int channelYm = 100) {
+  auto s = std::make_unique<AppState>();
+  for (int c = 1; c <= kMaxChannels; ++c) {
+    s->channels.Channel[c] = 0;
+    s->channels.Active[c] = 0;
+    s->channels.Ku[c] = 1.25f;
+    s->channels.ChannelY[c] = channelY;
+    s->channels.ChannelYm[c] = channelYm;
+    s->channels.Type[c] = 1;
+  }
+  s->channels.Channel[1] = 1;
+  s->channels.Active[1] = 1;
+  RecountChannelUsedCount(*s);
+  s->FirstChannelActive = 1;
+  s->SignalDataN = samples;
+  s->ViewFirst = 1;
+  s->ViewLast = samples;
+  s->FreqDesc = 1000;
+  s->AccountOffset = false;
+  return s;
+}
+
+inline views::SignalViewOptions TestOptions() {
+  views::SignalViewOptions o;
+  o.colors.ColorLineOtmetchick = kMarkerLine;
+  o.colors.ColorLinePorogOtmetchick = kPorog;
+  o.colors.ColorLineCenterSignal = kCentre;
+  o.colors.ColorBeginPoint = kBeginPoint;
+  o.colors.ColorLineY0Signal = kZero;
+  o.colors.ColorGrid = kGrid;
+  o.colors.ColorLineSynchro = kSynchro;
+  o.colors.ColorText = kTextColor;
+  o.AutoY0 = false;
+  return o;
+}
+
+inline views::SignalViewState ViewOf(AppState& s, int w, int h) {
+  views::SignalViewState v;
+  v.W = w;
+  v.H = h;
+  views::InitSignalView(s, v);
+  views::ConfigSliderH(s, v);
+  return v;
+}
+
+template <class T>
+std::vector<T> ItemsOf(const views::DrawList& list) {
+  std::vector<T> out;
+  for (const auto& item : list.items)
+    if (const T* p = std::get_if<T>(&item)) out.push_back(*p);
+  return out;
+}
+
+inline std::vector<views::Line> LinesOf(const views::DrawList& list, views::BgrColor color) {
+  std::vector<views::Line> out;
+  for (const auto& l : ItemsOf<views::Line>(list))
+    if (l.pen.color == color) out.push_back(l);
+  return out;
+}
+
+inline std::vector<views::Polyline> TracesOf(const views::DrawList& list) { return ItemsOf<views::Polyline>(list); }
+
+}  // namespace aqx::testing_views

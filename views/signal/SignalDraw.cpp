@@ -1,0 +1,306 @@
+// The picture of the signal view, drawn whole in a fixed order: centre line,
+// shaft marker lines, zero line, time grid, user markers, per channel the
+// level grid, thresholds and the trace, then begin point, selection, frame.
+
+#include "core/Numeric.h"
+#include "views/signal/SignalEngine.h"
+#include "views/signal/SignalView.h"
+
+#include <QDateTime>
+
+#include <algorithm>
+#include <cmath>
+
+namespace aqx::views {
+
+namespace {
+
+Pen MakePen(BgrColor color, int width = 1, DashStyle dash = DashStyle::Solid) {
+  Pen p;
+  p.color = color;
+  p.width = std::max(1, width);
+  p.dash = dash;
+  return p;
+}
+
+Pen InvertPen() {
+  Pen p = MakePen(0xFFFFFF);
+  p.xorMode = true;
+  return p;
+}
+
+Text MakeText(int x, int y, const QString& text, BgrColor color, TextAnchor anchor = TextAnchor::TopLeft) {
+  Text t;
+  t.x = x;
+  t.y = y;
+  t.utf8 = text.toStdString();
+  t.color = color;
+  t.anchor = anchor;
+  return t;
+}
+
+// Level labels are plain decimal numbers: no exponent, no grouping.
+QString PlainNumber(double value) {
+  if (std::fabs(value - std::round(value)) < 1e-9) return QString::number(static_cast<qint64>(std::llround(value)));
+  QString text = QString::number(value, 'f', 3);
+  while (text.endsWith(QLatin1Char('0'))) text.chop(1);
+  return text;
+}
+
+int SecondsOfDay(double oleDays) {
+  const QDateTime t = OleToDateTime(oleDays);
+  if (!t.isValid()) return 0;
+  const QTime time = t.time();
+  return time.hour() * 3600 + time.minute() * 60 + time.second();
+}
+
+int CurrentChannel(const AppState& s) {
+  return std::clamp(s.FirstChannelActive, 1, ChannelCount(s));
+}
+
+bool SelectionDragInProgress(const SignalViewOptions& o, const SignalViewState& v) {
+  return o.Cursor != SignalCursor::None && v.DragX >= 0;
+}
+
+void DrawTimeGrid(const AppState& s, const SignalViewOptions& o, const SignalViewState& v, const FontMetrics& fm,
+                  double step, DrawList& list) {
+  const double freq = s.FreqDesc;
+  const double pps = v.PixelsPerSample;
+  const double stepPx = freq * pps * step;
+  if (stepPx <= 0.0) return;
+  const double origin = static_cast<double>(v.HScroll1) * v.ScrollStep;
+  const int firstTick = RoundHalfEven(origin / freq / step - 1.0);
+  double t = firstTick * step;
+  const double offset = ClockOffsetSeconds(s, o);
+  const Pen pen = MakePen(o.colors.ColorGrid, 1, DashStyle::Dot);
+  for (double x = stepPx - RoundHalfEven(origin * pps - freq * pps * t); x <= v.W; x += stepPx) {
+    t += step;
+    const int xi = RoundHalfEven(x);
+    list.add(Line{xi, 0, xi, v.H, pen});
+    list.add(MakeText(xi + 1, v.H - fm.lineHeight - 1, TimeText(t + offset), o.colors.ColorText));
+  }
+}
+
+void DrawUserMarkers(const AppState& s, const SignalViewState& v, const FontMetrics& fm, DrawList& list) {
+  const int count = std::clamp(s.markers.MarkerN, 0, kMaxMarkers);
+  const int start = SecondsOfDay(s.object.RecordDate);
+  for (int i = 0; i < count; ++i) {
+    if (s.markers.MarkerOn[static_cast<size_t>(i)] == 0) continue;
+    const double seconds = SecondsOfDay(s.markers.MarkerDate[static_cast<size_t>(i)]) - start;
+    const double x = (seconds * s.FreqDesc - s.ViewFirst - (s.SolidBlockN - 1.0) * s.SignalDataN) * v.PixelsPerSample;
+    if (x <= 0.0 || x >= v.W) continue;
+    const BgrColor color = s.markers.MarkerColor[static_cast<size_t>(i)];
+    const int xi = RoundHalfEven(x);
+    list.add(Line{xi, 0, xi, v.H, MakePen(color)});
+    const int y = RoundHalfEven(s.markers.MarkerShift[static_cast<size_t>(i)] * fm.lineHeight / 15.0);
+    list.add(MakeText(xi + 1, y, s.markers.MarkerRemark[static_cast<size_t>(i)].left(50).trimmed(), color));
+  }
+}
+
+void DrawLevelGrid(const AppState& s, const SignalViewOptions& o, const SignalViewState& v, int channel,
+                   DrawList& list) {
+  const int stepPx = std::max(1, RoundHalfEven(v.H / 10.0));
+  const int stepUnits = RoundHalfEven(s.channels.ChannelYm[channel] / 5.0);
+  const double divisor = s.UnitDivisor != 0.0 ? s.UnitDivisor : 1.0;
+  const int64_t y0 = s.channels.ChannelY[channel];
+  const Pen pen = MakePen(o.colors.ColorGrid, 1, DashStyle::Dot);
+  auto add = [&](int64_t k, int64_t y) {
+    const int yi = static_cast<int>(y);
+    list.add(Line{0, yi, v.W, yi, pen});
+    list.add(MakeText(2, yi, PlainNumber(static_cast<double>(k * stepUnits) / divisor), o.colors.ColorText,
+                      TextAnchor::BottomLeft));
+  };
+  // Upward from the zero line, positive values, while on the picture.
+  for (int64_t k = std::max<int64_t>(1, (y0 - v.H + stepPx - 1) / stepPx);; ++k) {
+    const int64_t y = y0 - k * stepPx;
+    if (y < 0) break;
+    if (y <= v.H) add(k, y);
+  }
+  // Downward, negative values.
+  for (int64_t k = std::max<int64_t>(1, (-y0 + stepPx - 1) / stepPx);; ++k) {
+    const int64_t y = y0 + k * stepPx;
+    if (y > v.H) break;
+    if (y >= 0) add(-k, y);
+  }
+}
+
+void DrawThreshold(const SignalViewState& v, int y, BgrColor color, const QString& caption, DrawList& list) {
+  list.add(Line{0, y, v.W, y, MakePen(color)});
+  list.add(MakeText(v.W - 15, y - 3, caption, color, TextAnchor::BottomRight));
+}
+
+void DrawTrace(const AppState& s, const SignalViewState& v, int channel, double pixelsPerUnit, DrawList& list) {
+  Polyline trace;
+  trace.pen = MakePen(s.channels.ChannelColor[channel], s.channels.ChannelLineWidthSignal[channel]);
+  const int n = std::clamp(s.SignalDataN, 1, kMaxSamples);
+  const int channelY = s.channels.ChannelY[channel];
+  const double pps = v.PixelsPerSample;
+  if (pps >= 1.0) {
+    const double ku = s.channels.Ku[channel] != 0.0f ? s.channels.Ku[channel] : 1.0;
+    const double k = pixelsPerUnit / ku;
+    const int offset = s.AccountOffset ? s.SignalOffset[channel] : 0;
+    const double base = RoundHalfEven(offset * 1.25 * pixelsPerUnit / ku + channelY);
+    const double z = RoundHalfEven(std::pow(4.0, std::clamp(s.channels.Volume[channel], 0, 3)) * s.channels.Zero[channel]);
+    const int first = std::clamp(s.ViewFirst, 1, kMaxSamples);
+    // The first sample is scaled by 1.25 and those after it by the raw code:
+    // that difference is part of how this view has always drawn.
+    const int y0 = RoundHalfEven(base - (1.25 * s.SignalData.at(first, channel) - z) * k);
+    double x = pps / 2.0;
+    trace.xs = {0, RoundHalfEven(x)};
+    trace.ys = {y0, y0};
+    const int last = std::min(s.ViewLast + 1, n);
+    if (last > first) {
+      trace.xs.reserve(static_cast<size_t>(last - first) * 2 + 2);
+      trace.ys.reserve(static_cast<size_t>(last - first) * 2 + 2);
+    }
+    for (int sample = first + 1; sample <= last; ++sample) {
+      const int y = RoundHalfEven(base - (s.SignalData.at(sample, channel) - z) * k);
+      trace.xs.push_back(RoundHalfEven(x));
+      trace.ys.push_back(y);
+      x += pps;
+      trace.xs.push_back(RoundHalfEven(x));
+      trace.ys.push_back(y);
+    }
+  } else {
+    const int w = std::max(10, v.W);
+    std::vector<int32_t> columns;
+    ThinChannel(s, channel, w, channelY, pps, pixelsPerUnit, columns);
+    trace.xs.reserve(static_cast<size_t>(w) * 2 + 1);
+    trace.ys.reserve(static_cast<size_t>(w) * 2 + 1);
+    trace.xs.push_back(0);
+    trace.ys.push_back(columns[0]);
+    for (int x = 1; x <= w; ++x) {
+      const size_t row = static_cast<size_t>(x - 1) * 2;
+      trace.xs.push_back(x);
+      trace.ys.push_back(columns[row]);
+      trace.xs.push_back(x);
+      trace.ys.push_back(columns[row + 1]);
+    }
+  }
+  list.add(std::move(trace));
+}
+
+}  // namespace
+
+DrawList DrawSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v, const FontMetrics& fm) {
+  DrawList list;
+  list.width = std::max(0, v.W);
+  list.height = std::max(0, v.H);
+  list.background = o.colors.Background;
+  if (v.W < kMinPicturePx || v.H < kMinPicturePx) return list;
+  const int w = v.W;
+  const int h = v.H;
+  const int n = std::clamp(s.SignalDataN, 1, kMaxSamples);
+  const int current = CurrentChannel(s);
+
+  // A selection drag keeps its anchor over the redraw.
+  if (!SelectionDragInProgress(o, v)) {
+    v.CursorX = -1;
+    v.CursorY = -1;
+  }
+  v.PixelsPerSample = PixelsPerSampleFor(v.SliderH, w, n);
+
+  if (o.LineCenter) {
+    const double span = std::max(1.0, static_cast<double>(s.ViewLast) - s.ViewFirst + 1.0);
+    const int x = RoundHalfEven((static_cast<double>(v.CentreSample) - s.ViewFirst) * w / span);
+    list.add(Line{x, 0, x, h, MakePen(o.colors.ColorLineCenterSignal)});
+  }
+
+  const int markerChannel = FirstMarkerChannel(s);
+  v.FreqRotorVisible = markerChannel != 0;
+  if (markerChannel != 0) {
+    if (o.OtmetchickLine) {
+      const Pen pen = MakePen(o.colors.ColorLineOtmetchick);
+      const int count = std::clamp(s.ShaftMarkCount, 0, kMaxShaftMarks);
+      for (int i = 0; i < count; ++i) {
+        const double x = SampleToX(s.ShaftMarks[static_cast<size_t>(i)], s.ViewFirst, v.PixelsPerSample);
+        if (x < 0.0 || x > w) continue;
+        const int xi = RoundHalfEven(x);
+        list.add(Line{xi, 0, xi, h, pen});
+      }
+    }
+    v.RotorSpeedText = RotorSpeedText(v.speed);
+  }
+
+  if (o.LineZero) {
+    const int y = s.channels.ChannelY[current];
+    list.add(Line{0, y, w, y, MakePen(o.colors.ColorLineY0Signal)});
+  }
+
+  if (o.ScaleX && s.FreqDesc > 0) {
+    const double step = NiceTimeStep(w / (s.FreqDesc * v.PixelsPerSample));
+    // No step for more than ten hours in view: the picture ends here.
+    if (step <= 0.0) return list;
+    DrawTimeGrid(s, o, v, fm, step, list);
+  }
+
+  DrawUserMarkers(s, v, fm, list);
+
+  const int activeCount = ActiveUsedCount(s);
+  for (int c = 1; c <= ChannelCount(s); ++c) {
+    if (s.channels.Active[c] != 1 || s.channels.Channel[c] != 1) continue;
+    if (s.channels.ChannelY[c] == kChannelUnplaced) s.channels.ChannelY[c] = RoundHalfEven(h / 2.0);
+    if (s.channels.ChannelYm[c] <= 0)
+      s.channels.ChannelYm[c] = AutoChannelYm(s.SignalMaxValue[c], s.channels.Ku[c], s.channels.Volume[c], activeCount);
+    const double ppu = PixelsPerUnitFor(h, s.channels.Volume[c], s.channels.ChannelYm[c]);
+    v.PixelsPerUnit = ppu;
+    if (c == current) {
+      v.PixelsPerUnitFirst = ppu;
+      SetChannelUnit(s, s.channels.ChannelYm[c]);
+      if (o.ScaleY) DrawLevelGrid(s, o, v, c, list);
+    }
+    if (s.channels.Type[c] == 3 && markerChannel != 0) {
+      const int markerY = s.channels.ChannelY[markerChannel];
+      if (o.Otmetchick) {
+        const int level = o.OtmetchickAuto != 0 ? v.speed.OtmetchickLevel : o.OtmetchickLevel;
+        DrawThreshold(v, RoundHalfEven(markerY - level * ppu), o.colors.ColorLinePorogOtmetchick,
+                      QStringLiteral("Порог срабатывания отметчика"), list);
+      }
+      if (s.InputMode == 3) {
+        DrawThreshold(v, RoundHalfEven(markerY - s.SynchroAdPorog * ppu), o.colors.ColorLineSynchro,
+                      QStringLiteral("Порог срабатывания синхронизации"), list);
+      }
+    }
+    DrawTrace(s, v, c, ppu, list);
+  }
+
+  if (o.BeginPoint && s.channels.Type[current] == 0 && !o.StatusFilterConst && !s.AccountOffset) {
+    const double ku = s.channels.Ku[current] != 0.0f ? s.channels.Ku[current] : 1.0;
+    const int y = RoundHalfEven(s.channels.ChannelY[current] - s.channels.KS[current] * 1.25 * v.PixelsPerUnitFirst / ku);
+    list.add(Line{0, y, w, y, MakePen(o.colors.ColorBeginPoint, 1, DashStyle::Dash)});
+  }
+
+  BuildSelectRegion(s, v, list);
+  list.add(Rect{0, 0, w, h, MakePen(o.colors.ColorGrid), false, 0});
+  return list;
+}
+
+DrawList BuildSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v, const FontMetrics& fm) {
+  if (v.W >= kMinPicturePx && v.H >= kMinPicturePx) v.speed = RunOtmetchick(s, o);
+  return DrawSignal(s, o, v, fm);
+}
+
+void BuildSelectRegion(const AppState& s, const SignalViewState& v, DrawList& list) {
+  if (s.SelectFirst <= 0 && s.SelectLast <= 0) return;
+  double span = static_cast<double>(s.ViewLast) - s.ViewFirst;
+  if (span == 0.0) span = 1.0;
+  const int x1 = RoundHalfEven((static_cast<double>(s.SelectFirst) - s.ViewFirst) * v.W / span);
+  const int x2 = RoundHalfEven((static_cast<double>(s.SelectLast) - s.ViewFirst) * v.W / span);
+  if (std::abs(x2 - x1) < 2) {
+    list.add(Line{x1, 0, x1, v.H, InvertPen()});
+  } else {
+    list.add(Rect{std::min(x1, x2), 0, std::max(x1, x2), v.H, InvertPen(), true, 0xFFFFFF});
+  }
+}
+
+void AppendCrosshair(const SignalViewState& v, DrawList& list) {
+  if (v.CursorX < 0) return;
+  list.add(Line{v.CursorX, 0, v.CursorX, v.H, InvertPen()});
+  if (v.CursorY < 0) return;
+  list.add(Line{0, v.CursorY, v.W, v.CursorY, InvertPen()});
+  constexpr int kBoxHalfPx = 3;
+  list.add(Rect{v.CursorX - kBoxHalfPx, v.CursorY - kBoxHalfPx, v.CursorX + kBoxHalfPx + 1,
+                v.CursorY + kBoxHalfPx + 1, InvertPen(), false, 0});
+}
+
+}  // namespace aqx::views

@@ -1,0 +1,139 @@
+// Pure geometry of the signal view: scroll and zoom arithmetic, pixel and
+// sample mapping, the time grid's step, and the time texts.
+
+#include "core/Numeric.h"
+#include "core/Vocabulary.h"
+#include "views/signal/SignalView.h"
+
+#include <QDateTime>
+#include <QTime>
+
+#include <algorithm>
+#include <cmath>
+
+namespace aqx::views {
+
+namespace {
+// Visible time bound and its grid step, seconds; past the last bound the
+// step is 0 and the tick loop gives up.
+struct TimeStepRow {
+  double bound;
+  double step;
+};
+constexpr TimeStepRow kTimeSteps[] = {
+    {0.01, 0.001}, {0.02, 0.002}, {0.05, 0.005}, {0.1, 0.01},   {0.2, 0.02},    {0.5, 0.05},
+    {1, 0.1},      {2, 0.2},      {5, 0.5},      {10, 1},       {20, 2},        {50, 5},
+    {100, 10},     {200, 20},     {300, 30},     {600, 60},     {1200, 120},    {3000, 300},
+    {6000, 600},   {12000, 1200}, {18000, 1800}, {36000, 3600},
+};
+
+constexpr int kAmplitudeScales[kAmplitudeScaleCount] = {10,     20,     50,     100,     200,     500,
+                                                        1000,   2000,   5000,   10000,   20000,   50000,
+                                                        100000, 200000, 500000, 1000000, 2000000, 5000000};
+}  // namespace
+
+int AmplitudeScale(int index) {
+  return kAmplitudeScales[std::clamp(index, 0, kAmplitudeScaleCount - 1)];
+}
+
+double NiceTimeStep(double visibleSeconds) {
+  for (const TimeStepRow& row : kTimeSteps)
+    if (visibleSeconds <= row.bound) return row.step;
+  return 0.0;
+}
+
+int ScrollStepFor(int signalDataN) {
+  return signalDataN > 32768 ? std::max(1, RoundHalfEven(signalDataN / 32768.0)) : 1;
+}
+
+int SliderHMaxFor(int signalDataN) {
+  if (signalDataN < 1) return 0;
+  return std::max(0, RoundHalfEven(std::log2(static_cast<double>(signalDataN)) - 1.0));
+}
+
+double PixelsPerSampleFor(int sliderH, int widthPx, int signalDataN) {
+  return std::ldexp(static_cast<double>(widthPx), sliderH) / std::max(1, signalDataN);
+}
+
+double PixelsPerUnitFor(int heightPx, int volume, int channelYm) {
+  const double gain = std::pow(4.0, std::clamp(volume, 0, 3));
+  const double ym = channelYm > 0 ? channelYm : 1;
+  return 0.5 * heightPx / (gain * ym);
+}
+
+double SampleToX(int sample, int viewFirst, double pixelsPerSample) {
+  return (static_cast<double>(sample) - viewFirst) * pixelsPerSample;
+}
+
+int XToSample(int x, int hScroll1, int scrollStep, double pixelsPerSample) {
+  const double pps = pixelsPerSample > 0 ? pixelsPerSample : 1.0;
+  if (hScroll1 == 1) return RoundHalfEven(x / pps + 1.0);
+  return RoundHalfEven(static_cast<double>(hScroll1) * scrollStep + x / pps);
+}
+
+int SelectionSampleAt(double x, int viewFirst, int viewLast, int widthPx) {
+  const double d = static_cast<double>(viewLast) - viewFirst;
+  return RoundHalfEven(viewFirst + d * x / std::max(1, widthPx));
+}
+
+std::vector<int> BandCentres(int heightPx, int activeCount) {
+  std::vector<int> centres;
+  if (activeCount <= 0) return centres;
+  const double band = static_cast<double>(heightPx) / activeCount;
+  for (int k = 0; k < activeCount; ++k) centres.push_back(RoundHalfEven(band * k + band / 2.0));
+  return centres;
+}
+
+int AutoChannelYm(int signalMaxValue, float ku, int volume, int activeCount) {
+  const double k = ku != 0.0f ? ku : 1.0;
+  const int peak = RoundHalfEven(signalMaxValue * 1.25 / k / std::pow(4.0, std::clamp(volume, 0, 3)));
+  // The scan starts at the first entry, which is also the current value, so
+  // every entry qualifies by the second condition.
+  int ym = kAmplitudeScales[0];
+  for (int entry : kAmplitudeScales) {
+    if (peak < entry && entry >= ym) return entry * std::max(1, activeCount);
+  }
+  return kAmplitudeScales[0];
+}
+
+QString TimeText(double seconds) {
+  if (!std::isfinite(seconds)) seconds = 0.0;
+  constexpr qint64 kDayMs = 86400000;
+  qint64 ms = std::llround(seconds * 1000.0) % kDayMs;
+  if (ms < 0) ms += kDayMs;
+  const QTime t = QTime::fromMSecsSinceStartOfDay(static_cast<int>(ms));
+  QString text = t.toString(QStringLiteral("H:mm:ss"));
+  if (t.msec() != 0) text += QStringLiteral(".") + QStringLiteral("%1").arg(t.msec(), 3, 10, QLatin1Char('0'));
+  return text;
+}
+
+double ClockOffsetSeconds(const AppState& s, const SignalViewOptions& o) {
+  double seconds = 0.0;
+  if (o.ViewRealTime) {
+    const QDateTime start = OleToDateTime(s.object.RecordDate);
+    if (start.isValid()) seconds += start.time().msecsSinceStartOfDay() / 1000.0;
+  }
+  if (s.SolidMode && s.ChannelUsedCount > 0 && s.FreqADC > 0) {
+    const double blockRate = static_cast<double>(s.FreqADC) / s.ChannelUsedCount;
+    seconds += RoundHalfEven((s.SolidBlockN - 1) * static_cast<double>(kMaxSamples) / blockRate);
+  }
+  return seconds;
+}
+
+double SampleSeconds(const AppState& s, const SignalViewOptions& o, double sample) {
+  const double freq = s.FreqDesc > 0 ? s.FreqDesc : 1.0;
+  return sample / freq + ClockOffsetSeconds(s, o);
+}
+
+QString RotorSpeedText(const RotorSpeed& speed) {
+  const double low = std::max(0.0, speed.RotorSpeedMin);
+  const double high = std::max(0.0, speed.RotorSpeedMax);
+  const int lowPercent = std::max(0, speed.RotorPercentMin);
+  const int highPercent = std::max(0, speed.RotorPercentMax);
+  if (low == high)
+    return FormatStandard(low) + QStringLiteral(" об/мин (") + QString::number(lowPercent) + QStringLiteral("%) ");
+  return FormatStandard(low) + QStringLiteral("-") + FormatStandard(high) + QStringLiteral(" об/мин (") +
+         QString::number(lowPercent) + QStringLiteral("-") + QString::number(highPercent) + QStringLiteral("%) ");
+}
+
+}  // namespace aqx::views
