@@ -1,0 +1,283 @@
+// Reading a data file of any layout into the state. The file is checked
+// whole before the state is touched: a refused file leaves the previous
+// recording as it was.
+#include "core/Numeric.h"
+#include "files/DataFile.h"
+#include "files/DataFileRules.h"
+#include "files/SolidFile.h"
+
+#include <QDir>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <optional>
+#include <vector>
+
+namespace aqx {
+
+namespace {
+
+const QString kReadingNotice = QStringLiteral("Подождите, идет чтение файла ...");
+
+// Samples per block of the channel-major to sample-major move: one block of
+// all channels (1 MiB) stays in the cache while it is spread.
+constexpr int kSamplesPerBlock = 16384;
+
+// Shows the reading notice unless a report walks through files; closes it
+// on every way out.
+class ReadingNotice {
+ public:
+  ReadingNotice(const AppState& s, Prompts& p) : prompts_(p), shown_(!s.BatchMode) {
+    if (shown_) prompts_.notice({kReadingNotice});
+  }
+  ~ReadingNotice() {
+    if (shown_) prompts_.closeNotice();
+  }
+  ReadingNotice(const ReadingNotice&) = delete;
+  ReadingNotice& operator=(const ReadingNotice&) = delete;
+
+ private:
+  Prompts& prompts_;
+  bool shown_;
+};
+
+void Refuse(Prompts& p, const QString& text) {
+  p.message(text, kOpenTitle, PromptButtons::Ok, PromptIcon::Exclamation);
+}
+
+QString Damaged(const QString& what) {
+  return QStringLiteral("Файл данных повреждён: %1.\nЗагрузка невозможна!").arg(what);
+}
+
+// A header read and checked, with all that the state will take from it.
+struct ParsedDataFile {
+  FileHeader header;
+  int layout = kCurrentFileLayout;
+  int64_t headerBytes = 0;  // H
+  int channelCountBefore = kMaxChannels;
+  QStringList repaired;
+  // Channels whose samples the file holds, ascending: up to the ChannelCount
+  // after the read, with the Channel flags after the read (the file's up to
+  // the ChannelCount before it, the state's beyond).
+  std::vector<int> usedChannels;
+  int64_t fileSamplesPerChannel = 0;
+};
+
+bool OpenForReading(PlainFile& file, const QString& path, Prompts& p) {
+  if (file.openRead(path)) return true;
+  Refuse(p, QStringLiteral("Не удалось открыть файл %1: %2.")
+                .arg(QDir::toNativeSeparators(path), ReasonOfError(file.lastError(), false)));
+  return false;
+}
+
+// Reads and checks the header (layout by the file's minor version, or the
+// one given) and, for an ordinary file when `checkSamples`, that the sample
+// area is all there. Tells the user why and returns nothing on refusal.
+std::optional<ParsedDataFile> ParseDataFile(PlainFile& file, const AppState& s, Prompts& p,
+                                            std::optional<int> forcedLayout, bool checkSamples) {
+  const int64_t fileBytes = file.size();
+  if (fileBytes < 0) {
+    Refuse(p, QStringLiteral("Не удалось прочитать файл %1: %2.")
+                  .arg(QDir::toNativeSeparators(file.path()), ReasonOfError(file.lastError(), false)));
+    return std::nullopt;
+  }
+  ParsedDataFile f;
+  // Magic and version: a file shorter than them reads as zeros beyond its
+  // end, and then its magic fails.
+  std::array<char, kDataFileIdentityBytes> identity{};
+  const auto identityRead =
+      static_cast<size_t>(std::min<int64_t>(fileBytes, static_cast<int64_t>(identity.size())));
+  if (!file.readAt(0, std::span(identity.data(), identityRead))) {
+    Refuse(p, QStringLiteral("Не удалось прочитать файл %1: %2.")
+                  .arg(QDir::toNativeSeparators(file.path()), ReasonOfError(file.lastError(), false)));
+    return std::nullopt;
+  }
+  FileHeader id;
+  ReadLayout(DataFileIdentityLayout(), std::span<const char>(identity), id);
+  if (id.magic != QLatin1String(kDataFileMagic)) {
+    Refuse(p, QStringLiteral("Указанный файл не является файлом данных Aquilonix!"));
+    return std::nullopt;
+  }
+  f.layout = forcedLayout.value_or(id.FileVersionMinor);
+  if (f.layout < kOldestFileLayout || f.layout > kCurrentFileLayout) {
+    Refuse(p, QStringLiteral("Файл данных неизвестной или старшей версии (v%1.%2).\nЗагрузка невозможна!")
+                  .arg(id.FileVersionMajor)
+                  .arg(id.FileVersionMinor));
+    return std::nullopt;
+  }
+  f.headerBytes = static_cast<int64_t>(DataFileHeaderBytes(f.layout));
+  // The last header byte is the first sample byte, and a file without
+  // samples ends before it.
+  if (fileBytes < f.headerBytes - 1) {
+    Refuse(p, Damaged(QStringLiteral("заголовок версии %1.%2 обрезан (%3 байт из %4)")
+                          .arg(id.FileVersionMajor)
+                          .arg(f.layout)
+                          .arg(fileBytes)
+                          .arg(f.headerBytes - 1)));
+    return std::nullopt;
+  }
+  // The last header byte is never the header's: the writer puts the first
+  // sample's low byte there, or ends the file before it. It reads as zero
+  // rather than as a stray character of the remark or a marker's shift.
+  std::vector<char> record(static_cast<size_t>(f.headerBytes), '\0');
+  const auto recordRead = static_cast<size_t>(f.headerBytes - 1);
+  if (!file.readAt(0, std::span(record.data(), recordRead))) {
+    Refuse(p, QStringLiteral("Не удалось прочитать файл %1: %2.")
+                  .arg(QDir::toNativeSeparators(file.path()), ReasonOfError(file.lastError(), false)));
+    return std::nullopt;
+  }
+  // What the layout lacks keeps the state's value after the defaults.
+  f.channelCountBefore = ChannelCount(s);
+  f.header = FileHeaderFromState(s);
+  ResetHeaderDefaults(f.header, f.channelCountBefore);
+  ReadLayout(DataFileLayout(f.layout), std::span<const char>(record), f.header);
+  f.repaired = RepairHeader(f.header, f.channelCountBefore);
+
+  const int countAfter = f.header.ChannelDifferential == 1 ? 16 : kMaxChannels;
+  for (int c = 1; c <= countAfter; ++c) {
+    const int flag = c <= f.channelCountBefore ? f.header.Channel[static_cast<size_t>(c - 1)]
+                                               : s.channels.Channel[c];
+    if (flag == 1) f.usedChannels.push_back(c);
+  }
+  f.fileSamplesPerChannel = f.header.SignalDataN;
+  if (!checkSamples || f.header.SolidMode) return f;
+  const auto used = static_cast<int64_t>(f.usedChannels.size());
+  if (f.fileSamplesPerChannel < 1 && used > 0) {
+    Refuse(p, Damaged(QStringLiteral("неверное число отсчётов в заголовке (%1)")
+                          .arg(f.fileSamplesPerChannel)));
+    return std::nullopt;
+  }
+  const int64_t needBytes = f.headerBytes - 1 + 2 * std::max<int64_t>(f.fileSamplesPerChannel, 0) * used;
+  if (fileBytes < needBytes) {
+    Refuse(p, Damaged(QStringLiteral("по заголовку в нём %1 отсчётов по %2 каналам (%3 байт), "
+                                     "а в файле %4 байт")
+                          .arg(f.fileSamplesPerChannel)
+                          .arg(used)
+                          .arg(needBytes)
+                          .arg(fileBytes)));
+    return std::nullopt;
+  }
+  return f;
+}
+
+// The header into the state, with the rules of every header reader.
+void CommitHeader(const ParsedDataFile& f, AppState& s) {
+  CopyHeaderToState(f.header, s, {f.channelCountBefore, !s.SaveProbe, !s.SaveFilter});
+  s.SolidBlockCount = 0;
+  s.SolidBlockN = 1;
+  s.SolidBlockM = 1;
+  // A marker channel reads in plain codes, whatever the file holds.
+  for (int c = 1; c <= f.channelCountBefore; ++c)
+    if (s.channels.Type[c] == 3) s.channels.Ku[c] = 1.25f;
+  if (s.SolidMode) {
+    const int used = RecountChannelUsedCount(s);
+    if (used > 0) s.FreqDesc = s.FreqDescR = RoundHalfEven(static_cast<double>(s.FreqADC) / used);
+  }
+  RecountChannelUsedCount(s);
+}
+
+// The sample area, channel after channel in the file, into the sample-major
+// store, one block of samples of all channels at a time.
+bool ReadSamples(PlainFile& file, const ParsedDataFile& f, AppState& s, Prompts& p) {
+  const size_t used = f.usedChannels.size();
+  if (used == 0) return true;
+  const int keep = s.SignalDataN;
+  const int64_t areaStart = f.headerBytes - 1;
+  std::vector<int16_t> block(used * kSamplesPerBlock);
+  std::vector<size_t> column(used);
+  for (size_t k = 0; k < used; ++k) column[k] = static_cast<size_t>(f.usedChannels[k] - 1);
+  int16_t* store = s.SignalData.data();
+  for (int first = 0; first < keep; first += kSamplesPerBlock) {
+    const int count = std::min(kSamplesPerBlock, keep - first);
+    for (size_t k = 0; k < used; ++k) {
+      const int64_t at =
+          areaStart + 2 * (static_cast<int64_t>(k) * f.fileSamplesPerChannel + first);
+      auto* target = reinterpret_cast<char*>(block.data() + k * kSamplesPerBlock);
+      if (!file.readAt(at, std::span(target, static_cast<size_t>(count) * 2))) {
+        Refuse(p, QStringLiteral("Ошибка чтения файла %1: %2.")
+                      .arg(QDir::toNativeSeparators(file.path()),
+                           ReasonOfError(file.lastError(), false)));
+        return false;
+      }
+    }
+    if constexpr (std::endian::native == std::endian::big)
+      for (int16_t& v : block) {
+        const auto u = static_cast<uint16_t>(v);
+        v = static_cast<int16_t>(static_cast<uint16_t>((u >> 8) | (u << 8)));
+      }
+    for (int i = 0; i < count; ++i) {
+      int16_t* row = store + static_cast<size_t>(first + i) * SampleStore::kColumns;
+      const int16_t* source = block.data() + i;
+      for (size_t k = 0; k < used; ++k) row[column[k]] = source[k * kSamplesPerBlock];
+    }
+  }
+  return true;
+}
+
+void TellRepaired(const ParsedDataFile& f, Prompts& p) {
+  if (f.repaired.isEmpty()) return;
+  p.message(QStringLiteral("В заголовке файла недопустимые значения (%1); "
+                           "они заменены значениями по умолчанию.")
+                .arg(f.repaired.join(QStringLiteral(", "))),
+            kOpenTitle, PromptButtons::Ok, PromptIcon::Exclamation);
+}
+
+}  // namespace
+
+bool ReadDataFile(AppState& s, Prompts& p) {
+  ReadingNotice notice(s, p);
+  PlainFile file;
+  if (!OpenForReading(file, s.PathFileData, p)) return false;
+  std::optional<ParsedDataFile> parsed = ParseDataFile(file, s, p, std::nullopt, true);
+  if (!parsed) return false;
+  const ParsedDataFile& f = *parsed;
+
+  CommitHeader(f, s);
+  if (s.SolidMode) {
+    file.close();
+    if (!OpenSolidFileBlocks(s, static_cast<int>(f.headerBytes), p)) return false;
+  } else {
+    s.SignalDataN = static_cast<int32_t>(
+        std::clamp<int64_t>(f.fileSamplesPerChannel, 1, static_cast<int64_t>(kMaxSamples)));
+    s.ViewFirst = 1;
+    s.ViewLast = s.SignalDataN;
+    ApplyBlockRule(s);
+    if (!ReadSamples(file, f, s, p)) return false;
+  }
+  TellRepaired(f, p);
+  if (s.ReminderConvertFile && (f.header.FileVersionMajor != AQX_VERSION_MAJOR ||
+                                f.header.FileVersionMinor != AQX_VERSION_MINOR)) {
+    p.message(QStringLiteral("Файл версии %1.%2 успешно конвертирован до текущей версии %3.%4")
+                  .arg(f.header.FileVersionMajor)
+                  .arg(f.header.FileVersionMinor)
+                  .arg(AQX_VERSION_MAJOR)
+                  .arg(AQX_VERSION_MINOR),
+              kConvertTitle, PromptButtons::Ok, PromptIcon::Information);
+  }
+  return true;
+}
+
+bool LoadHeaderOfLayout(AppState& s, int minor, Prompts& p) {
+  PlainFile file;
+  if (!OpenForReading(file, s.PathFileData, p)) return false;
+  std::optional<ParsedDataFile> parsed = ParseDataFile(file, s, p, minor, false);
+  if (!parsed) return false;
+  CommitHeader(*parsed, s);
+  TellRepaired(*parsed, p);
+  return true;
+}
+
+bool LoadHeader(AppState& s, Prompts& p) { return LoadHeaderOfLayout(s, kCurrentFileLayout, p); }
+
+void ResetFileDefaults(AppState& s) {
+  FileHeader h = FileHeaderFromState(s);
+  const int count = ChannelCount(s);
+  ResetHeaderDefaults(h, count);
+  CopyHeaderToState(h, s, {count, true, true});
+  s.SolidBlockCount = 0;
+  s.SolidBlockN = 1;
+  s.SolidBlockM = 1;
+}
+
+}  // namespace aqx

@@ -1,0 +1,161 @@
+// Writing the recording in the current layout, and the command "save".
+#include "files/DataFile.h"
+#include "files/DataFileRules.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <bit>
+#include <vector>
+
+namespace aqx {
+
+namespace {
+
+constexpr int kSamplesPerBlock = 16384;
+
+std::vector<int> UsedChannels(const AppState& s) {
+  std::vector<int> used;
+  for (int c = 1; c <= ChannelCount(s); ++c)
+    if (s.channels.Channel[c] == 1) used.push_back(c);
+  return used;
+}
+
+void TellSaveFailure(Prompts& p, const QString& path, int error, bool targetExisted) {
+  QString text = QStringLiteral("Не удалось сохранить файл %1: %2.")
+                     .arg(QDir::toNativeSeparators(path), ReasonOfError(error, true));
+  if (targetExisted) text += QStringLiteral("\nПрежний файл не изменён.");
+  p.message(text, kSaveTitle, PromptButtons::Ok, PromptIcon::Critical);
+}
+
+void TakeProgramVersion(AppState& s) {
+  s.FileVersionMajor = AQX_VERSION_MAJOR;
+  s.FileVersionMinor = AQX_VERSION_MINOR;
+  s.FileVersionRevision = AQX_VERSION_PATCH;
+}
+
+// The samples of the used channels, channel after channel, from `areaStart`
+// on; one block of samples of all channels is gathered at a time.
+bool WriteSamples(PlainFile& file, const AppState& s, const std::vector<int>& usedChannels,
+                  int samplesPerChannel, int64_t areaStart) {
+  const size_t used = usedChannels.size();
+  if (used == 0 || samplesPerChannel == 0) return true;
+  std::vector<int16_t> block(used * kSamplesPerBlock);
+  std::vector<size_t> column(used);
+  for (size_t k = 0; k < used; ++k) column[k] = static_cast<size_t>(usedChannels[k] - 1);
+  const int16_t* store = s.SignalData.data();
+  for (int first = 0; first < samplesPerChannel; first += kSamplesPerBlock) {
+    const int count = std::min(kSamplesPerBlock, samplesPerChannel - first);
+    for (int i = 0; i < count; ++i) {
+      const int16_t* row = store + static_cast<size_t>(first + i) * SampleStore::kColumns;
+      int16_t* target = block.data() + i;
+      for (size_t k = 0; k < used; ++k) target[k * kSamplesPerBlock] = row[column[k]];
+    }
+    if constexpr (std::endian::native == std::endian::big)
+      for (int16_t& v : block) {
+        const auto u = static_cast<uint16_t>(v);
+        v = static_cast<int16_t>(static_cast<uint16_t>((u >> 8) | (u << 8)));
+      }
+    for (size_t k = 0; k < used; ++k) {
+      const int64_t at = areaStart + 2 * (static_cast<int64_t>(k) * samplesPerChannel + first);
+      const auto* source = reinterpret_cast<const char*>(block.data() + k * kSamplesPerBlock);
+      if (!file.writeAt(at, std::span(source, static_cast<size_t>(count) * 2))) return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+QByteArray BuildFileHeaderBytes(const AppState& s) {
+  FileHeader h = FileHeaderFromState(s);
+  h.magic = QString::fromLatin1(kDataFileMagic);
+  h.FileVersionMajor = AQX_VERSION_MAJOR;
+  h.FileVersionMinor = AQX_VERSION_MINOR;
+  h.FileVersionRevision = AQX_VERSION_PATCH;
+  for (QString& name : h.SensorName) name = name.trimmed();
+  // Only the recording's markers go out; the other records are blank.
+  const auto markers = static_cast<size_t>(std::clamp(s.markers.MarkerN, 0, kMaxMarkers));
+  for (size_t i = markers; i < static_cast<size_t>(kMaxMarkers); ++i) {
+    h.MarkerDate[i] = 0.0;
+    h.MarkerRemark[i].clear();
+    h.MarkerColor[i] = h.MarkerOn[i] = h.MarkerShift[i] = 0;
+  }
+  QByteArray bytes(static_cast<qsizetype>(DataFileHeaderBytes(kCurrentFileLayout)), '\0');
+  WriteLayout(DataFileLayout(kCurrentFileLayout), h, std::span(bytes.data(), static_cast<size_t>(bytes.size())));
+  return bytes;
+}
+
+bool WriteFileHeader(AppState& s, const QString& path, Prompts& p) {
+  const QByteArray header = BuildFileHeaderBytes(s);
+  PlainFile file;
+  if (!file.openWrite(path) ||
+      !file.writeAt(0, std::span(header.constData(), static_cast<size_t>(header.size()))) ||
+      !file.sync() || !file.close()) {
+    TellSaveFailure(p, path, file.lastError(), false);
+    return false;
+  }
+  TakeProgramVersion(s);
+  return true;
+}
+
+bool WriteDataFile(AppState& s, Prompts& p) {
+  const QString target = s.PathFileData;
+  const bool targetExisted = QFileInfo::exists(target);
+  const QByteArray header = BuildFileHeaderBytes(s);
+  const std::vector<int> used = UsedChannels(s);
+  const int samples = std::clamp(s.SignalDataN, 0, kMaxSamples);
+  // The first sample byte replaces the last header byte.
+  const int64_t areaStart = header.size() - 1;
+  const int64_t totalBytes = areaStart + 2 * static_cast<int64_t>(samples) * static_cast<int64_t>(used.size());
+
+  PlainFile file;
+  if (!file.createTemporaryNextTo(target)) {
+    TellSaveFailure(p, target, file.lastError(), targetExisted);
+    return false;
+  }
+  const bool written = file.reserve(totalBytes) &&
+                       file.writeAt(0, std::span(header.constData(), static_cast<size_t>(areaStart))) &&
+                       WriteSamples(file, s, used, samples, areaStart) && file.sync() && file.close();
+  int error = file.lastError();
+  if (!written || !RenameOver(file.path(), target, error)) {
+    file.close();
+    RemoveFile(file.path());
+    TellSaveFailure(p, target, error, targetExisted);
+    return false;
+  }
+  TakeProgramVersion(s);
+  return true;
+}
+
+bool SaveDataFileCommand(AppState& s, Prompts& p) {
+  if (s.SolidMode) {
+    // The samples are on disk already; only the header is renewed.
+    if (!WriteFileHeader(s, s.PathFileData, p)) return false;
+    s.DataSaved = true;
+    return true;
+  }
+  for (;;) {
+    const std::optional<QString> chosen =
+        p.chooseSaveFile(kSaveTitle, s.InitDirSave, s.PathFileData, kDataFileFilter);
+    if (!chosen || chosen->isEmpty()) return false;
+    s.InitDirSave = QFileInfo(*chosen).absolutePath();
+    // The old file is replaced only by the rename after a complete write,
+    // so it is not deleted here.
+    if (QFileInfo::exists(*chosen) &&
+        p.message(QStringLiteral("Файл с таким именем уже существует. Заменить?"), kSaveTitle,
+                  PromptButtons::OkCancel, PromptIcon::Question) != PromptAnswer::Ok)
+      continue;
+    const QString previousPath = s.PathFileData;
+    s.PathFileData = *chosen;
+    if (!WriteDataFile(s, p)) {
+      s.PathFileData = previousPath;
+      return false;
+    }
+    s.DataSaved = true;
+    return true;
+  }
+}
+
+}  // namespace aqx
