@@ -35,6 +35,7 @@ void InitSignalView(const AppState& s, SignalViewState& v) {
       RoundHalfEven(static_cast<double>(v.HScroll1) * v.ScrollStep + std::ldexp(SignalN(s), -v.SliderH) / 2.0 - 1.0);
   v.VScrollMin = 0;
   v.VScrollMax = std::max(0, v.H);
+  RefreshElementsImposition(s, v);
 }
 
 void SetMaxValueMas(const AppState& s, SignalViewState& v) {

@@ -1,0 +1,308 @@
+// Mouse, scroll bars, sliders and status panels as state transitions.
+
+#include "SignalTestSupport.h"
+
+#include <gtest/gtest.h>
+
+namespace aqx {
+namespace {
+
+using namespace views;
+using namespace testing_views;
+
+constexpr int kW = 200;
+constexpr int kH = 100;
+
+struct Interaction : ::testing::Test {
+  std::unique_ptr<AppState> s = MakeState(100);
+  SignalViewOptions o = TestOptions();
+  SignalViewState v;
+  void SetUp() override {
+    for (int i = 1; i <= 100; ++i) s->SignalData.at(i, 1) = static_cast<int16_t>(i);
+    v = ViewOf(*s, kW, kH);
+    DrawSignal(*s, o, v, FontMetrics{});
+  }
+};
+
+TEST_F(Interaction, SelectionDraggedRightToLeftIsStoredWithBeginBelowEnd) {
+  o.Cursor = SignalCursor::Free;
+  MouseMove(*s, o, v, 150, 20, false);  // the cross-hair, the anchor
+  ASSERT_EQ(v.CursorX, 150);
+  MouseDown(*s, o, v, MouseButton::Left, 150, 20);
+  const SignalAction a = MouseMove(*s, o, v, 50, 20, true);
+  EXPECT_TRUE(a.cheapRefresh);
+  EXPECT_TRUE(a.redraw);
+  EXPECT_EQ(s->SelectFirst, 26);  // 1 + 99 * 50 / 200 = 25.75
+  EXPECT_EQ(s->SelectLast, 75);   // 1 + 99 * 150 / 200 = 75.25
+  EXPECT_EQ(v.CentreSample, 50);  // 50.5 to even
+  EXPECT_TRUE(v.CursorValueText.isEmpty());
+  // The anchor survives the redraw that follows each move.
+  DrawSignal(*s, o, v, FontMetrics{});
+  EXPECT_EQ(v.CursorX, 150);
+  MouseUp(*s, o, v);
+  DrawSignal(*s, o, v, FontMetrics{});
+  EXPECT_EQ(v.CursorX, -1);
+  EXPECT_EQ(s->SelectFirst, 26);
+}
+
+TEST_F(Interaction, SelectionDraggedPastThePictureIsHeldToTheView) {
+  o.Cursor = SignalCursor::Bound;
+  MouseMove(*s, o, v, 100, 20, false);
+  MouseDown(*s, o, v, MouseButton::Left, 100, 20);
+  MouseMove(*s, o, v, 400, 20, true);
+  EXPECT_EQ(s->SelectLast, s->ViewLast);
+  EXPECT_EQ(v.SelectSaveLast, 199);  // kept before holding
+  MouseMove(*s, o, v, -30, 20, true);
+  EXPECT_EQ(s->SelectFirst, s->ViewFirst);
+}
+
+TEST_F(Interaction, WithoutCursorALeftClickClearsTheSelectionAndADragPans) {
+  s->SelectFirst = 10;
+  s->SelectLast = 20;
+  SignalAction a = MouseDown(*s, o, v, MouseButton::Left, 100, 50);
+  EXPECT_EQ(s->SelectFirst, 0);
+  EXPECT_EQ(s->SelectLast, 0);
+  EXPECT_TRUE(a.cheapRefresh);
+  // At zoom 1:1 there is nothing to pan.
+  a = MouseMove(*s, o, v, 60, 50, true);
+  EXPECT_FALSE(a.redraw);
+  EXPECT_EQ(s->ViewFirst, 1);
+
+  SliderHChanged(*s, v, 1, false);  // half the store in view
+  DrawSignal(*s, o, v, FontMetrics{});
+  const int before = v.HScroll1;
+  MouseDown(*s, o, v, MouseButton::Left, 100, 50);
+  a = MouseMove(*s, o, v, 80, 55, true);  // 20 px left: 5 samples later
+  EXPECT_TRUE(a.redraw);
+  EXPECT_EQ(v.HScroll1, before + 5);
+  EXPECT_EQ(s->ViewFirst, (before + 5) * v.ScrollStep);
+  EXPECT_EQ(s->channels.ChannelY[1], 55);  // the zero line follows down
+  EXPECT_EQ(v.DragX, 80);
+  MouseUp(*s, o, v);
+  EXPECT_EQ(v.DragX, -1);
+}
+
+TEST_F(Interaction, PanningUpwardPastTheBarWidensItsRangeWithin16Bits) {
+  SliderHChanged(*s, v, 1, false);
+  DrawSignal(*s, o, v, FontMetrics{});
+  MouseDown(*s, o, v, MouseButton::Left, 100, 90);
+  MouseMove(*s, o, v, 100, 0, true);
+  EXPECT_EQ(s->channels.ChannelY[1], -40);
+  EXPECT_EQ(v.VScrollMin, -40);
+  v.VScroll1 = 32760;
+  v.VScrollMax = 32760;
+  s->channels.ChannelY[1] = 32760;
+  MouseDown(*s, o, v, MouseButton::Left, 100, 0);
+  MouseMove(*s, o, v, 100, 90, true);
+  EXPECT_EQ(s->channels.ChannelY[1], 32760);  // not applied past 32767
+}
+
+TEST_F(Interaction, FreeCursorReadsTheHeightBoundCursorTheSample) {
+  o.Cursor = SignalCursor::Free;
+  SignalAction a = MouseMove(*s, o, v, 20, 30, false);
+  EXPECT_TRUE(a.crosshair);
+  EXPECT_EQ(v.CursorSample, 11);
+  EXPECT_EQ(v.CursorY, 30);
+  // 20 px above the zero line at 0.5 px per unit.
+  EXPECT_EQ(v.CursorValueText, QStringLiteral("40 мкм"));
+
+  o.Cursor = SignalCursor::Bound;
+  MouseMove(*s, o, v, 20, 90, false);
+  // Sample 11 holds code 11: 11 units, 5.5 px above the zero line.
+  EXPECT_EQ(v.CursorValueText, QStringLiteral("11 мкм"));
+  EXPECT_EQ(v.CursorY, 44);
+  DrawList overlay;
+  AppendCrosshair(v, overlay);
+  ASSERT_EQ(overlay.items.size(), 3u);
+  EXPECT_TRUE(std::get<Line>(overlay.items[0]).pen.xorMode);
+}
+
+TEST_F(Interaction, CursorOutsideThePictureOrBeyondTheStoreIsQuiet) {
+  o.Cursor = SignalCursor::Bound;
+  EXPECT_FALSE(MouseMove(*s, o, v, kW + 1, 10, false).crosshair);
+  v.PixelsPerSample = 0.5;  // a stale factor sends the pointer past the store
+  o.ColorPropertyOpen = true;
+  const SignalAction a = MouseMove(*s, o, v, kW, 10, false);
+  EXPECT_GT(v.CursorSample, s->SignalDataN);
+  EXPECT_FALSE(a.colorProperty);
+}
+
+TEST_F(Interaction, ColorPropertyGetsOneValuePerShownChannel) {
+  s->channels.Channel[2] = 1;
+  s->channels.Active[2] = 1;
+  s->SignalData.at(11, 2) = -2000;
+  o.Cursor = SignalCursor::Free;
+  o.ColorPropertyOpen = true;
+  EXPECT_TRUE(MouseMove(*s, o, v, 20, 30, false).colorProperty);
+  EXPECT_EQ(v.ColorPropertyValues[1], FormatGrouped(11));
+  EXPECT_EQ(v.ColorPropertyValues[2], FormatGrouped(-2000));
+}
+
+TEST_F(Interaction, RightButtonAsksForThePopupMenu) {
+  EXPECT_TRUE(MouseDown(*s, o, v, MouseButton::Right, 5, 5).popupMenu);
+}
+
+TEST_F(Interaction, ScrollBarMovesTheViewAndAFinishedChangeRefreshesAll) {
+  SliderHChanged(*s, v, 2, false);  // 25 samples in view
+  SignalAction a = HScrollChanged(*s, v, 40, false);
+  EXPECT_EQ(s->ViewFirst, 40);
+  EXPECT_EQ(s->ViewLast, 64);
+  EXPECT_TRUE(a.redraw);
+  EXPECT_FALSE(a.viewRefresh);
+  a = HScrollChanged(*s, v, 1, true);
+  EXPECT_EQ(s->ViewFirst, 1);
+  EXPECT_TRUE(a.viewRefresh);
+  a = HScrollChanged(*s, v, 100000, true);
+  EXPECT_EQ(v.HScroll1, v.HScrollMax);
+}
+
+TEST_F(Interaction, ZeroLineBarIsIgnoredWhileControlsAreBeingAligned) {
+  v.ImpositionLock = true;
+  EXPECT_FALSE(VScrollChanged(*s, v, 10).redraw);
+  EXPECT_EQ(s->channels.ChannelY[1], 50);
+  v.ImpositionLock = false;
+  EXPECT_TRUE(VScrollChanged(*s, v, 10).redraw);
+  EXPECT_EQ(s->channels.ChannelY[1], 10);
+}
+
+TEST_F(Interaction, AmplitudeSliderSetsTheScaleOrAuto) {
+  SliderVChanged(*s, v, 3);
+  EXPECT_EQ(s->channels.ChannelYm[1], 100);
+  EXPECT_EQ(v.SliderVToolTip, QStringLiteral("100 мкм"));
+  SliderVChanged(*s, v, 9);
+  EXPECT_EQ(s->channels.ChannelYm[1], 10000);
+  EXPECT_EQ(v.SliderVToolTip, QStringLiteral("10 мм"));
+  s->SignalMaxValue[1] = 100;
+  SliderVChanged(*s, v, -1);
+  EXPECT_EQ(s->channels.ChannelYm[1], 200);
+  EXPECT_EQ(v.SliderVToolTip, QStringLiteral("Авто"));
+}
+
+TEST_F(Interaction, ZoomSliderWhileDraggedOnlyMovesItsTooltip) {
+  SignalAction a = SliderHChanged(*s, v, 3, true);
+  EXPECT_EQ(v.SliderH, 0);
+  EXPECT_EQ(v.SliderHToolTip, QStringLiteral("Масштаб: 8:1"));
+  EXPECT_FALSE(a.viewRefresh);
+  a = SliderHChanged(*s, v, 3, false);
+  EXPECT_EQ(v.SliderH, 3);
+  EXPECT_TRUE(a.viewRefresh);
+}
+
+TEST_F(Interaction, StatusPanelsAsButtons) {
+  StatusPanelClicked(*s, o, v, SignalPanel::Dimension, MouseButton::Left);
+  EXPECT_EQ(v.SliderV, 0);
+  StatusPanelClicked(*s, o, v, SignalPanel::Dimension, MouseButton::Right);
+  StatusPanelClicked(*s, o, v, SignalPanel::Dimension, MouseButton::Right);
+  EXPECT_EQ(v.SliderV, -1);
+
+  StatusPanelClicked(*s, o, v, SignalPanel::Scale, MouseButton::Left);
+  EXPECT_EQ(v.SliderH, 1);
+  StatusPanelClicked(*s, o, v, SignalPanel::Scale, MouseButton::Right);
+  StatusPanelClicked(*s, o, v, SignalPanel::Scale, MouseButton::Right);
+  EXPECT_EQ(v.SliderH, 0);
+
+  EXPECT_TRUE(StatusPanelClicked(*s, o, v, SignalPanel::Center, MouseButton::Right).optionsChanged);
+  EXPECT_TRUE(o.LineCenter);
+
+  s->SelectFirst = 5;
+  StatusPanelClicked(*s, o, v, SignalPanel::Cursor, MouseButton::Left);
+  EXPECT_EQ(o.Cursor, SignalCursor::Free);
+  EXPECT_EQ(s->SelectFirst, 0);
+  StatusPanelClicked(*s, o, v, SignalPanel::Cursor, MouseButton::Right);
+  EXPECT_EQ(o.Cursor, SignalCursor::Bound);
+  StatusPanelClicked(*s, o, v, SignalPanel::Cursor, MouseButton::Right);
+  EXPECT_EQ(o.Cursor, SignalCursor::None);
+  EXPECT_FALSE(CrossPointer(o));
+}
+
+TEST_F(Interaction, ZeroLinePanelStepsMiddleBottomTopMiddle) {
+  s->channels.ChannelY[1] = 50;
+  StatusPanelClicked(*s, o, v, SignalPanel::Y0, MouseButton::Left);
+  EXPECT_EQ(s->channels.ChannelY[1], kH);
+  StatusPanelClicked(*s, o, v, SignalPanel::Y0, MouseButton::Left);
+  EXPECT_EQ(s->channels.ChannelY[1], 0);
+  StatusPanelClicked(*s, o, v, SignalPanel::Y0, MouseButton::Right);
+  EXPECT_EQ(s->channels.ChannelY[1], 50);
+  s->channels.ChannelY[1] = 7;
+  StatusPanelClicked(*s, o, v, SignalPanel::Y0, MouseButton::Left);
+  EXPECT_EQ(s->channels.ChannelY[1], 50);
+  EXPECT_EQ(v.VScroll1, 50);
+}
+
+TEST_F(Interaction, BeginPointPanelOnlyForRunOutWithoutOffsetAndFilter) {
+  EXPECT_FALSE(StatusPanelClicked(*s, o, v, SignalPanel::BeginPoint, MouseButton::Left).redraw);
+  s->channels.Type[1] = 0;
+  o.StatusFilterConst = false;
+  StatusPanelClicked(*s, o, v, SignalPanel::BeginPoint, MouseButton::Left);
+  EXPECT_TRUE(o.BeginPoint);
+}
+
+TEST_F(Interaction, StatusTexts) {
+  SignalStatus st = OutInfoToStatusBar(*s, o, v);
+  EXPECT_EQ(st[SignalPanel::Dimension], QStringLiteral("D: 100 мкм "));
+  EXPECT_EQ(st[SignalPanel::Scale], QStringLiteral("M: 1:1 "));
+  EXPECT_EQ(st[SignalPanel::Window], QStringLiteral("W: 0:00:00.001 - 0:00:00.100 "));
+  EXPECT_EQ(st[SignalPanel::Cursor], QStringLiteral("C0: - "));
+  EXPECT_EQ(st[SignalPanel::Level], QStringLiteral("V: - "));
+  EXPECT_EQ(st[SignalPanel::Select], QStringLiteral("S: - "));
+  EXPECT_EQ(st[SignalPanel::SelectLen], QStringLiteral("L: - "));
+  EXPECT_EQ(st[SignalPanel::Y0], QStringLiteral("Y0: 50% "));
+  EXPECT_EQ(st[SignalPanel::BeginPoint], QStringLiteral("BP: - "));
+  EXPECT_EQ(st[SignalPanel::SignalDataN], QStringLiteral("N: 100"));
+  EXPECT_FALSE(st.beginPointEnabled);
+  EXPECT_FALSE(st.selectionCommandsEnabled);
+
+  o.Cursor = SignalCursor::Bound;
+  MouseMove(*s, o, v, 20, 30, false);
+  s->SelectFirst = 11;
+  s->SelectLast = 61;
+  s->channels.Type[1] = 0;
+  s->channels.KS[1] = 40;
+  o.StatusFilterConst = false;
+  s->channels.ChannelYm[1] = 20000;
+  st = OutInfoToStatusBar(*s, o, v);
+  EXPECT_EQ(st[SignalPanel::Dimension], QStringLiteral("D: ") + FormatGrouped(20) + QStringLiteral(" мм "));
+  EXPECT_EQ(st[SignalPanel::Cursor], QStringLiteral("C2: 0:00:00.011 "));
+  EXPECT_EQ(st[SignalPanel::Level], QStringLiteral("V: 11 мкм "));
+  EXPECT_EQ(st[SignalPanel::Select], QStringLiteral("S: 0:00:00.011 - 0:00:00.061 "));
+  EXPECT_EQ(st[SignalPanel::SelectLen], QStringLiteral("L: 0:00:00.050 "));
+  EXPECT_EQ(st[SignalPanel::BeginPoint], QStringLiteral("BP: ") + FormatGrouped(40) + QStringLiteral(" мкм "));
+  EXPECT_TRUE(st.beginPointEnabled);
+  EXPECT_TRUE(st.selectionCommandsEnabled);
+}
+
+TEST(SignalControls, ControlsFollowANewCurrentChannel) {
+  auto s = MakeState(100, kChannelUnplaced, 200);
+  SignalViewState v = ViewOf(*s, kW, kH);
+  RefreshElementsImposition(*s, v);
+  EXPECT_EQ(v.VScroll1, 50);
+  EXPECT_EQ(v.VScrollMax, kH);
+  s->channels.ChannelY[1] = 300;
+  v.SliderV = 0;
+  RefreshElementsImposition(*s, v);
+  EXPECT_EQ(v.VScroll1, 300);
+  EXPECT_EQ(v.VScrollMax, 300);
+  EXPECT_EQ(v.SliderV, 4);  // 200 is entry 4
+  EXPECT_FALSE(v.ImpositionLock);
+  SetY0(*s, v);
+  EXPECT_EQ(s->channels.ChannelY[2], 50);
+  ResetValueElements(v);
+  EXPECT_EQ(v.SliderH, 0);
+  EXPECT_EQ(v.HScroll1, 1);
+}
+
+TEST(SignalControls, BarsTakeTheirPlaceAndTooSmallAWindowMovesNothing) {
+  SignalViewOptions o;
+  const SignalLayout l = FormResize(600, 400, o);
+  EXPECT_TRUE(l.moved);
+  EXPECT_TRUE(l.statusBar.visible);
+  EXPECT_TRUE(l.statusBarParameter.visible);
+  EXPECT_EQ(l.picture.height, 400 - 22 - 22 - 15 - 17 - 24);
+  EXPECT_EQ(l.picture.width, 600 - 17 - 24);
+  o.Control = o.StatusBar = o.StatusBarParameter = false;
+  EXPECT_EQ(FormResize(600, 400, o).picture.height, 400);
+  EXPECT_FALSE(FormResize(10, 400, o).moved);
+}
+
+}  // namespace
+}  // namespace aqx
