@@ -65,15 +65,12 @@ TEST_F(WaveTest, WrittenFileHasTheHeaderAndInterleavedCodes) {
   EXPECT_TRUE(prompts.messages().empty());
   EXPECT_TRUE(QDir(dir.path()).entryList(QDir::Files) == QStringList{QStringLiteral("out.wav")})
       << "no temporary file is left behind";
-}
 
-TEST_F(WaveTest, OneChannelGoesOutAtTheRateAskedFor) {
-  state->SignalDataN = 3;
-  for (int k = 1; k <= 3; ++k) state->SignalData.at(k, 5) = static_cast<int16_t>(-k);
-  ASSERT_TRUE(WriteWaveChannel(*state, 5, path("one.wav"), 22050, prompts));
-  FileBytes expected = PcmHeader(1, 22050, 16, 3);
-  expected.put16(44, -1).put16(46, -2).put16(48, -3);
-  EXPECT_EQ(ReadBytes(path("one.wav")), expected.bytes);
+  // One channel at the player's rate.
+  ASSERT_TRUE(WriteWaveChannel(*state, 3, path("one.wav"), 22050, prompts));
+  FileBytes one = PcmHeader(1, 22050, 16, 4);
+  for (int k = 0; k < 4; ++k) one.put16(44 + 2 * k, 1000 + k + 1);
+  EXPECT_EQ(ReadBytes(path("one.wav")), one.bytes);
 }
 
 TEST_F(WaveTest, ShortFileIsStretchedByNearestSampleToThePowerOfTwo) {
@@ -128,13 +125,11 @@ TEST_F(WaveTest, ChunksBeforeTheSamplesAreSteppedOver) {
   EXPECT_EQ(state->SignalDataN, 4);
   EXPECT_EQ(state->SignalData.at(1, 1), 1234);
   EXPECT_EQ(state->SignalData.at(3, 1), -4321);
-}
 
-TEST_F(WaveTest, DataSizeBeyondTheFileCountsOnlyWhatIsThere) {
-  FileBytes f = PcmHeader(1, 8000, 16, 0);
-  f.put32(40, -1);  // a streaming writer's unknown length
-  f.put16(44, 11).put16(46, 22).put16(48, 33);
-  ASSERT_TRUE(open(f.bytes));
+  // A streaming writer's unknown length: what the file holds counts.
+  FileBytes streamed = PcmHeader(1, 8000, 16, 0);
+  streamed.put32(40, -1).put16(44, 11).put16(46, 22).put16(48, 33);
+  ASSERT_TRUE(open(streamed.bytes));
   EXPECT_EQ(state->SignalDataN, 4);
   EXPECT_EQ(state->SignalData.at(4, 1), 33);
 }
@@ -248,12 +243,12 @@ TEST_F(WaveTest, ExportAsksBeforeReplacingAndWritesOnYes) {
 
   prompts.texts.push_back(std::nullopt);  // the dialog cancelled
   EXPECT_FALSE(ExportWaveCommand(*state, prompts));
-}
 
-TEST_F(WaveTest, NothingToExportIsSaidAndNoFileAppears) {
+  // No recorded channel: told, and no file appears.
   for (int c = 1; c <= kMaxChannels; ++c) state->channels.Channel[c] = 0;
-  EXPECT_FALSE(WriteWaveFile(*state, path("none.wav"), prompts));
-  EXPECT_EQ(prompts.messages().size(), 1u);
+  prompts.texts.push_back(path("none.wav"));
+  EXPECT_FALSE(ExportWaveCommand(*state, prompts));
+  EXPECT_EQ(prompts.lastMessage(), QStringLiteral("В записи нет ни одного канала с данными."));
   EXPECT_FALSE(QFile::exists(path("none.wav")));
 }
 
