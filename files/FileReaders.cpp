@@ -1,12 +1,17 @@
 #include "files/FileReaders.h"
 
 #include "files/DataFile.h"
+#include "files/ForeignFiles.h"
+#include "files/Wave.h"
 
 namespace aqx {
 
 FileReaderTable StandardFileReaders() {
   return {
       {QStringLiteral("aqx"), ReadDataFile},
+      {QStringLiteral("zrk"), ReadFileZRK},
+      {QStringLiteral("rsl"), ReadFileRSL},
+      {QStringLiteral("wav"), ReadFileWave},
   };
 }
 
