@@ -4,11 +4,17 @@ namespace aqx::tool {
 
 // One declaration and one row per command.
 int RunVersion(ToolContext& ctx);
+int RunInfo(ToolContext& ctx);
+int RunDump(ToolContext& ctx);
+int RunConvert(ToolContext& ctx);
 int RunExportWav(ToolContext& ctx);
 
 namespace {
 const ToolCommand kCommands[] = {
     {"version", "version                      program version", RunVersion},
+    {"info", "info FILE [--json]           header and channel table of a recording", RunInfo},
+    {"dump", "dump FILE --channel C [--first A] [--last B]  codes of one channel, one per line", RunDump},
+    {"convert", "convert IN OUT               any readable file to a data file of the current layout", RunConvert},
     {"export-wav", "export-wav IN OUT.wav         recorded channels of any readable file as WAVE", RunExportWav},
 };
 }  // namespace
