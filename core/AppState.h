@@ -3,6 +3,8 @@
 // the recording parameters and the fixed sample store. Windows, commands and
 // the engine read and write it directly; nothing here draws or asks.
 
+#include "core/SettingsOptions.h"
+
 #include <QDateTime>
 #include <QString>
 
@@ -195,6 +197,12 @@ struct AppState {
   // Unit of the current readouts, set by SetChannelUnit.
   QString UnitName = QStringLiteral("мкм");
   double UnitDivisor = 1.0;
+
+  // --- Settings-backed options (core/SettingsOptions.h): view menu checks,
+  // option sheet, colours, shaft marker detector, by section. Filled by
+  // LoadConfigReg, each written back by its command (core/ConfigWriters.h).
+  SettingsOptions options;
+  // --- end of settings-backed options
 };
 
 // Per-channel defaults of a fresh program (channel table of the settings).

@@ -8,6 +8,7 @@ int RunInfo(ToolContext& ctx);
 int RunDump(ToolContext& ctx);
 int RunConvert(ToolContext& ctx);
 int RunExportWav(ToolContext& ctx);
+int RunConfig(ToolContext& ctx);
 
 namespace {
 const ToolCommand kCommands[] = {
@@ -16,6 +17,7 @@ const ToolCommand kCommands[] = {
     {"dump", "dump FILE --channel C [--first A] [--last B]  codes of one channel, one per line", RunDump},
     {"convert", "convert IN OUT               any readable file to a data file of the current layout", RunConvert},
     {"export-wav", "export-wav IN OUT.wav         recorded channels of any readable file as WAVE", RunExportWav},
+    {"config", "config list|save|restore|rename|delete  named configurations of the settings", RunConfig},
 };
 }  // namespace
 

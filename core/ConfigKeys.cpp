@@ -1,0 +1,262 @@
+#include "core/ConfigKeys.h"
+
+#include "core/Numeric.h"
+#include "core/Vocabulary.h"
+
+#include <cmath>
+
+namespace aqx {
+
+namespace {
+
+using F = SettingField;
+constexpr int32_t kMaxChannel = kMaxChannels;
+
+// Scalar keys after the fixed first group, in the order of the key table.
+const SettingKey kScalarKeys[] = {
+    // Config: recording description and parameters.
+    {kSectionConfig, "Station", "", [](AppState& s) -> F { return &s.object.Station; }},
+    {kSectionConfig, "Agregat", "1", [](AppState& s) -> F { return &s.object.Agregat; }},
+    {kSectionConfig, "Mode", "", [](AppState& s) -> F { return &s.object.Mode; }},
+    {kSectionConfig, "InitDirOpen", "C:\\", [](AppState& s) -> F { return &s.InitDirOpen; }},
+    {kSectionConfig, "InitDirSave", "C:\\", [](AppState& s) -> F { return &s.InitDirSave; }},
+    {kSectionConfig, "FreqDescWaveN", "8", [](AppState& s) -> F { return &s.options.config.FreqDescWaveN; }},
+    {kSectionConfig, "Polus", "72", [](AppState& s) -> F { return &s.Polus; }},
+    {kSectionConfig, "FreqSety", "50", [](AppState& s) -> F { return &s.FreqSety; }},
+    {kSectionConfig, "FreqRotorN", "83.3", [](AppState& s) -> F { return &s.FreqRotorN; }},
+    {kSectionConfig, "FreqOneGarmonic", "1.38", [](AppState& s) -> F { return &s.FreqOneGarmonic; }},
+    {kSectionConfig, "NumberRotorRecord", "17", [](AppState& s) -> F { return &s.NumberRotorRecord; }},
+    {kSectionConfig, "StepDesc", "0.082", [](AppState& s) -> F { return &s.StepDesc; }},
+    {kSectionConfig, "FreqDesc", "2677", [](AppState& s) -> F { return &s.FreqDesc; }},
+    {kSectionConfig, "FreqDescR", "2677", [](AppState& s) -> F { return &s.FreqDescR; }},
+    {kSectionConfig, "TimeRefresh", "0.25", [](AppState& s) -> F { return &s.options.config.TimeRefresh; }},
+    {kSectionConfig, "SolidMode", "0", [](AppState& s) -> F { return &s.SolidMode; }},
+    {kSectionConfig, "SolidFileName", "Aquilonix", [](AppState& s) -> F { return &s.SolidFileName; }},
+    {kSectionConfig, "FreqADC", "32000", [](AppState& s) -> F { return &s.FreqADC; }},
+    {kSectionConfig, "Clearance", "2500", [](AppState& s) -> F { return &s.Clearance; }},
+    {kSectionConfig, "FirstChannelActive", "1", [](AppState& s) -> F { return &s.FirstChannelActive; }, 1, kMaxChannel},
+    // Config: the view menu and the main window.
+    {kSectionConfig, "ViewToolbarMain", "1", [](AppState& s) -> F { return &s.options.config.ViewToolbarMain; }},
+    {kSectionConfig, "ViewToolbarChannels", "1", [](AppState& s) -> F { return &s.options.config.ViewToolbarChannels; }},
+    {kSectionConfig, "ViewStatusBar", "1", [](AppState& s) -> F { return &s.options.config.ViewStatusBar; }},
+    {kSectionConfig, "ViewFiles", "0", [](AppState& s) -> F { return &s.options.config.ViewFiles; }},
+    {kSectionConfig, "ViewStyle", "1", [](AppState& s) -> F { return &s.ViewStyle; }},
+    {kSectionConfig, "Imposition", "0", [](AppState& s) -> F { return &s.Imposition; }},
+    {kSectionConfig, "SaveProbe", "0", [](AppState& s) -> F { return &s.SaveProbe; }},
+    {kSectionConfig, "SaveFilter", "0", [](AppState& s) -> F { return &s.SaveFilter; }},
+    {kSectionConfig, "ColorBackKitSel", "1", [](AppState& s) -> F { return &s.options.config.ColorBackKitSel; }, 0, kColorBackKitSets - 1},
+    {kSectionConfig, "Advice", "1", [](AppState& s) -> F { return &s.options.config.Advice; }},
+    {kSectionConfig, "AdviceN", "0", [](AppState& s) -> F { return &s.options.config.AdviceN; }},
+    {kSectionConfig, "StartUpPicture", "1", [](AppState& s) -> F { return &s.options.config.StartUpPicture; }},
+    {kSectionConfig, "ProbeType", "0", [](AppState& s) -> F { return &s.options.config.ProbeType; }},
+    {kSectionConfig, "FilterType", "0", [](AppState& s) -> F { return &s.options.config.FilterType; }},
+    // Signal view.
+    {kSectionSignal, "StatusBarParameter", "1", [](AppState& s) -> F { return &s.options.signal.StatusBarParameter; }},
+    {kSectionSignal, "Control", "1", [](AppState& s) -> F { return &s.options.signal.Control; }},
+    {kSectionSignal, "StatusBar", "1", [](AppState& s) -> F { return &s.options.signal.StatusBar; }},
+    {kSectionSignal, "ScaleX", "1", [](AppState& s) -> F { return &s.options.signal.ScaleX; }},
+    {kSectionSignal, "ScaleY", "1", [](AppState& s) -> F { return &s.options.signal.ScaleY; }},
+    {kSectionSignal, "Cursor", "-1", [](AppState& s) -> F { return &s.options.signal.Cursor; }},
+    {kSectionSignal, "Otmetchick", "1", [](AppState& s) -> F { return &s.options.signal.Otmetchick; }},
+    {kSectionSignal, "OtmetchickLine", "1", [](AppState& s) -> F { return &s.options.signal.OtmetchickLine; }},
+    {kSectionSignal, "SignalViewColorProperty", "1", [](AppState& s) -> F { return &s.options.signal.SignalViewColorProperty; }},
+    {kSectionSignal, "LineCenter", "0", [](AppState& s) -> F { return &s.options.signal.LineCenter; }},
+    {kSectionSignal, "LineZero", "1", [](AppState& s) -> F { return &s.options.signal.LineZero; }},
+    {kSectionSignal, "BeginPoint", "0", [](AppState& s) -> F { return &s.options.signal.BeginPoint; }},
+    // Spectrum view.
+    {kSectionSpectr, "StatusBarParameter", "1", [](AppState& s) -> F { return &s.options.spectr.StatusBarParameter; }},
+    {kSectionSpectr, "StatusBar", "1", [](AppState& s) -> F { return &s.options.spectr.StatusBar; }},
+    {kSectionSpectr, "Cursor", "-1", [](AppState& s) -> F { return &s.options.spectr.Cursor; }},
+    {kSectionSpectr, "ViewGarmonic", "0", [](AppState& s) -> F { return &s.options.spectr.ViewGarmonic; }},
+    {kSectionSpectr, "ViewLinesProbeFreq", "0", [](AppState& s) -> F { return &s.options.spectr.ViewLinesProbeFreq; }},
+    {kSectionSpectr, "SpectrViewType", "1", [](AppState& s) -> F { return &s.options.spectr.SpectrViewType; }},
+    {kSectionSpectr, "Evaluation", "0", [](AppState& s) -> F { return &s.options.spectr.Evaluation; }},
+    // Cascade of spectra.
+    {kSectionSpectrum, "StatusBar", "1", [](AppState& s) -> F { return &s.options.spectrum.StatusBar; }},
+    {kSectionSpectrum, "SpectrumViewType", "1", [](AppState& s) -> F { return &s.options.spectrum.SpectrumViewType; }},
+    // Trajectory view.
+    {kSectionTraectoria, "StatusBar", "1", [](AppState& s) -> F { return &s.options.traectoria.StatusBar; }},
+    {kSectionTraectoria, "Cursor", "0", [](AppState& s) -> F { return &s.options.traectoria.Cursor; }},
+    {kSectionTraectoria, "CenterRotor", "1", [](AppState& s) -> F { return &s.options.traectoria.CenterRotor; }},
+    {kSectionTraectoria, "TraectoriaFirstGarmonic", "0", [](AppState& s) -> F { return &s.options.traectoria.TraectoriaFirstGarmonic; }},
+    {kSectionTraectoria, "TraectoriaOtmetchick", "1", [](AppState& s) -> F { return &s.options.traectoria.TraectoriaOtmetchick; }},
+    {kSectionTraectoria, "BeginPoint", "1", [](AppState& s) -> F { return &s.options.traectoria.BeginPoint; }},
+    // The option sheet.
+    {kSectionParameters, "VisibleChannels", "1", [](AppState& s) -> F { return &s.options.parameters.VisibleChannels; }},
+    {kSectionParameters, "ColorType", "1", [](AppState& s) -> F { return &s.options.parameters.ColorType; }},
+    {kSectionParameters, "FileLastLoad", "0", [](AppState& s) -> F { return &s.options.parameters.FileLastLoad; }},
+    {kSectionParameters, "AutoY0", "1", [](AppState& s) -> F { return &s.options.parameters.AutoY0; }},
+    {kSectionParameters, "ViewRealTime", "0", [](AppState& s) -> F { return &s.options.parameters.ViewRealTime; }},
+    {kSectionParameters, "AccountOffset", "1", [](AppState& s) -> F { return &s.AccountOffset; }},
+    {kSectionParameters, "StatusFilterConst", "1", [](AppState& s) -> F { return &s.options.parameters.StatusFilterConst; }},
+    {kSectionParameters, "StatusFilterBienie", "0", [](AppState& s) -> F { return &s.options.parameters.StatusFilterBienie; }},
+    {kSectionParameters, "SignalParameterMax", "1", [](AppState& s) -> F { return &s.options.parameters.SignalParameterMax; }},
+    {kSectionParameters, "SolidClerData", "0", [](AppState& s) -> F { return &s.options.parameters.SolidClerData; }},
+    {kSectionParameters, "ReminderConvertFile", "1", [](AppState& s) -> F { return &s.ReminderConvertFile; }},
+    {kSectionParameters, "ReminderOverload", "1", [](AppState& s) -> F { return &s.options.parameters.ReminderOverload; }},
+    {kSectionParameters, "ReminderClearenceMin", "1", [](AppState& s) -> F { return &s.options.parameters.ReminderClearenceMin; }},
+    {kSectionParameters, "ValueClearenceMin", "500", [](AppState& s) -> F { return &s.options.parameters.ValueClearenceMin; }},
+    {kSectionParameters, "ReminderClearenceMax", "1", [](AppState& s) -> F { return &s.options.parameters.ReminderClearenceMax; }},
+    {kSectionParameters, "ValueClearenceMax", "4000", [](AppState& s) -> F { return &s.options.parameters.ValueClearenceMax; }},
+    {kSectionParameters, "ReminderFileSave", "1", [](AppState& s) -> F { return &s.ReminderFileSave; }},
+    // Named colours, blue-green-red words as decimal numbers.
+    {kSectionColor, "ColorLineOtmetchick", "255", [](AppState& s) -> F { return &s.options.color.ColorLineOtmetchick; }},
+    {kSectionColor, "ColorLinePorogOtmetchick", "32768", [](AppState& s) -> F { return &s.options.color.ColorLinePorogOtmetchick; }},
+    {kSectionColor, "ColorLineCenterSignal", "8421504", [](AppState& s) -> F { return &s.options.color.ColorLineCenterSignal; }},
+    {kSectionColor, "ColorBeginPoint", "16711680", [](AppState& s) -> F { return &s.options.color.ColorBeginPoint; }},
+    {kSectionColor, "ColorLineY0Signal", "0", [](AppState& s) -> F { return &s.options.color.ColorLineY0Signal; }},
+    {kSectionColor, "ColorGrid", "12632256", [](AppState& s) -> F { return &s.options.color.ColorGrid; }},
+    {kSectionColor, "ColorLineSynchro", "8388736", [](AppState& s) -> F { return &s.options.color.ColorLineSynchro; }},
+    {kSectionColor, "ColorCarsetSpectrum", "0", [](AppState& s) -> F { return &s.options.color.ColorCarsetSpectrum; }},
+    {kSectionColor, "ColorText", "0", [](AppState& s) -> F { return &s.options.color.ColorText; }},
+    {kSectionColor, "ColorLinesGarmonic", "16711680", [](AppState& s) -> F { return &s.options.color.ColorLinesGarmonic; }},
+    {kSectionColor, "ColorLinesProbeFreq", "32768", [](AppState& s) -> F { return &s.options.color.ColorLinesProbeFreq; }},
+    // Synchronisation of a run.
+    {kSectionSynchro, "InputMode", "0", [](AppState& s) -> F { return &s.InputMode; }},
+    {kSectionSynchro, "SynchroAdType", "0", [](AppState& s) -> F { return &s.SynchroAdType; }},
+    {kSectionSynchro, "SynchroAdMode", "0", [](AppState& s) -> F { return &s.SynchroAdMode; }},
+    {kSectionSynchro, "SynchroAdChannel", "32", [](AppState& s) -> F { return &s.SynchroAdChannel; }},
+    {kSectionSynchro, "SynchroAdPorog", "1000", [](AppState& s) -> F { return &s.SynchroAdPorog; }},
+    // Shaft marker detector.
+    {kSectionOtmetchick, "OtmetchickAuto", "1", [](AppState& s) -> F { return &s.options.otmetchick.OtmetchickAuto; }},
+    {kSectionOtmetchick, "OtmetchickLevel", "100", [](AppState& s) -> F { return &s.options.otmetchick.OtmetchickLevel; }},
+    {kSectionOtmetchick, "OtmetchickDirect", "1", [](AppState& s) -> F { return &s.options.otmetchick.OtmetchickDirect; }},
+    {kSectionOtmetchick, "OtmetchickDrebezg", "10", [](AppState& s) -> F { return &s.options.otmetchick.OtmetchickDrebezg; }},
+    {kSectionOtmetchick, "OtmetchickNoise", "100", [](AppState& s) -> F { return &s.options.otmetchick.OtmetchickNoise; }},
+    // Rotor form views.
+    {kSectionFormaRotor, "FormaView", "1", [](AppState& s) -> F { return &s.options.formaRotor.FormaView; }},
+    {kSectionFormaRotor, "FormaViewColor", "0", [](AppState& s) -> F { return &s.options.formaRotor.FormaViewColor; }},
+    {kSectionFormaRotor, "FormaViewScale", "0", [](AppState& s) -> F { return &s.options.formaRotor.FormaViewScale; }},
+    {kSectionFormaRotor, "FormaValue", "0", [](AppState& s) -> F { return &s.options.formaRotor.FormaValue; }},
+    {kSectionFormaRotor, "SpicaN", "8", [](AppState& s) -> F { return &s.options.formaRotor.SpicaN; }},
+    {kSectionFormaRotor, "SpicaP", "1", [](AppState& s) -> F { return &s.options.formaRotor.SpicaP; }},
+    {kSectionFormaRotor, "SpicaD", "1", [](AppState& s) -> F { return &s.options.formaRotor.SpicaD; }},
+    {kSectionFormaRotor, "SpicaV", "1", [](AppState& s) -> F { return &s.options.formaRotor.SpicaV; }},
+    {kSectionFormaRotor, "DiagramaViewType", "1", [](AppState& s) -> F { return &s.options.formaRotor.DiagramaViewType; }},
+    {kSectionFormaRotor, "DiagramaView", "1", [](AppState& s) -> F { return &s.options.formaRotor.DiagramaView; }},
+    {kSectionFormaRotor, "DiagramaViewColor", "0", [](AppState& s) -> F { return &s.options.formaRotor.DiagramaViewColor; }},
+    {kSectionFormaRotor, "DiagramaViewScale", "0", [](AppState& s) -> F { return &s.options.formaRotor.DiagramaViewScale; }},
+    {kSectionFormaRotor, "DiagramaValue", "0", [](AppState& s) -> F { return &s.options.formaRotor.DiagramaValue; }},
+    {kSectionFormaRotor, "SpectrFormsValue", "0", [](AppState& s) -> F { return &s.options.formaRotor.SpectrFormsValue; }},
+};
+
+const ChannelSettingKey kChannelKeys[] = {
+    {"Channel", "1", [](ChannelSetup& ch, int c) -> F { return &ch.Channel[c]; }},
+    {"Active", "0", [](ChannelSetup& ch, int c) -> F { return &ch.Active[c]; }},
+    {"Type", "1", [](ChannelSetup& ch, int c) -> F { return &ch.Type[c]; }, 0, kSensorTypeCount - 1},
+    {"Place", "", [](ChannelSetup& ch, int c) -> F { return &ch.Place[c]; }},
+    {"Direct", "", [](ChannelSetup& ch, int c) -> F { return &ch.Direct[c]; }},
+    {"Ku", "10", [](ChannelSetup& ch, int c) -> F { return &ch.Ku[c]; }},
+    {"Zero", "0", [](ChannelSetup& ch, int c) -> F { return &ch.Zero[c]; }},
+    {"KS", "0", [](ChannelSetup& ch, int c) -> F { return &ch.KS[c]; }},
+    {"Volume", "0", [](ChannelSetup& ch, int c) -> F { return &ch.Volume[c]; }, 0, 3},
+    {"SensorName", "", [](ChannelSetup& ch, int c) -> F { return &ch.SensorName[c]; }},
+    {"ChannelColor", nullptr, [](ChannelSetup& ch, int c) -> F { return &ch.ChannelColor[c]; }},
+    {"ChannelLineWidthSignal", "1", [](ChannelSetup& ch, int c) -> F { return &ch.ChannelLineWidthSignal[c]; }},
+    {"ChannelLineWidthSpectr", "1", [](ChannelSetup& ch, int c) -> F { return &ch.ChannelLineWidthSpectr[c]; }},
+    // Not laid out yet: the signal view places such a channel itself.
+    {"ChannelY", "1000000", [](ChannelSetup& ch, int c) -> F { return &ch.ChannelY[c]; }},
+    {"ChannelYm", "-1", [](ChannelSetup& ch, int c) -> F { return &ch.ChannelYm[c]; }},
+};
+
+// Reads text into whichever field the variant holds.
+bool ReadInto(const SettingsStore& store, const QString& section, const QString& key,
+              const QString& defaultText, const SettingField& field, int32_t minValue,
+              int32_t maxValue) {
+  const QString text = store.get(section, key, defaultText);
+  const QLocale& locale = store.locale();
+  if (auto* p = std::get_if<QString*>(&field)) {
+    **p = text;
+    return true;
+  }
+  if (auto* p = std::get_if<int32_t*>(&field)) {
+    const auto v = ParseSettingInt(text, locale);
+    if (!v || *v < minValue || *v > maxValue) return false;
+    **p = *v;
+    return true;
+  }
+  if (auto* p = std::get_if<bool*>(&field)) {
+    const auto v = ParseSettingBool(text, locale);
+    if (v) **p = *v;
+    return v.has_value();
+  }
+  const auto v = ParseSettingDouble(text, locale);
+  if (!v) return false;
+  if (auto* f = std::get_if<float*>(&field)) {
+    if (std::fabs(*v) > std::numeric_limits<float>::max()) return false;
+    **f = static_cast<float>(*v);
+  } else if (auto* d = std::get_if<double*>(&field)) {
+    **d = *v;
+  }
+  return true;
+}
+
+void WriteFrom(SettingsStore& store, const QString& section, const QString& key,
+               const SettingField& field) {
+  std::visit([&](auto* p) { WriteSetting(store, section, key, *p); }, field);
+}
+
+}  // namespace
+
+std::span<const SettingKey> ScalarSettingKeys() { return kScalarKeys; }
+std::span<const ChannelSettingKey> ChannelSettingKeys() { return kChannelKeys; }
+
+const SettingKey* FindSettingKey(const QString& section, const QString& key) {
+  for (const SettingKey& k : kScalarKeys)
+    if (section == QLatin1String(k.section) && key == QLatin1String(k.key)) return &k;
+  return nullptr;
+}
+
+QString DefaultSettingText(const char* defaultText, const QLocale& locale) {
+  QString text = QString::fromUtf8(defaultText);
+  bool isNumber = false;
+  QLocale::c().toDouble(text, &isNumber);
+  if (isNumber) text.replace(QLatin1Char('.'), locale.decimalPoint());
+  return text;
+}
+
+QString ChannelKey(const char* key, int channel) {
+  return QLatin1String(key) + QString::number(channel);
+}
+QString ProbeFreqKey(int channel, int entry) {
+  return QStringLiteral("ProbeFreq%1N%2").arg(channel).arg(entry);
+}
+QString FilterKey(int channel, int entry) {
+  return QStringLiteral("Filter%1N%2").arg(channel).arg(entry);
+}
+QString RemarkKey(int number) { return QStringLiteral("Remark%1").arg(number); }
+QString ColorTypeKitKey(int type) { return QStringLiteral("ColorTypeKit%1").arg(type); }
+QString ColorBackKitKey(int set, int part) {
+  return QStringLiteral("ColorBackKit%1%2").arg(set).arg(part);
+}
+QString MarkerKey(const char* key, int number) {
+  return QLatin1String(key) + QString::number(number);
+}
+
+bool ReadSettingKey(const SettingsStore& store, const SettingKey& key, AppState& s) {
+  return ReadInto(store, QLatin1String(key.section), QLatin1String(key.key),
+                  DefaultSettingText(key.defaultText, store.locale()), key.field(s), key.minValue,
+                  key.maxValue);
+}
+
+// The tables hand out writable fields for the load; a write only reads them.
+void WriteSettingKey(SettingsStore& store, const SettingKey& key, const AppState& s) {
+  WriteFrom(store, QLatin1String(key.section), QLatin1String(key.key),
+            key.field(const_cast<AppState&>(s)));
+}
+
+bool ReadChannelSettingKey(const SettingsStore& store, const ChannelSettingKey& key,
+                           ChannelSetup& ch, int channel) {
+  const QString def = key.defaultText ? DefaultSettingText(key.defaultText, store.locale())
+                                      : SettingText(ChannelColorDefault(channel));
+  return ReadInto(store, QLatin1String(kSectionChannel), ChannelKey(key.key, channel), def,
+                  key.field(ch, channel), key.minValue, key.maxValue);
+}
+
+void WriteChannelSettingKey(SettingsStore& store, const ChannelSettingKey& key,
+                            const ChannelSetup& ch, int channel) {
+  WriteFrom(store, QLatin1String(kSectionChannel), ChannelKey(key.key, channel),
+            key.field(const_cast<ChannelSetup&>(ch), channel));
+}
+
+}  // namespace aqx

@@ -1,0 +1,358 @@
+#include "core/Config.h"
+#include "core/ConfigKeys.h"
+#include "core/ConfigWriters.h"
+#include "core/Vocabulary.h"
+
+#include "SettingsTestSupport.h"
+
+#include <gtest/gtest.h>
+
+namespace aqx {
+namespace {
+
+using testing::kRussian;
+
+const QString kConfig = QStringLiteral("Config");
+const QString kChannel = QStringLiteral("Channel");
+
+// A value unlike the default for every kind of field, inside the range the
+// key accepts.
+void MakeDifferent(const SettingKey& key, AppState& s, int salt) {
+  std::visit(
+      [&](auto* p) {
+        using T = std::remove_pointer_t<decltype(p)>;
+        if constexpr (std::is_same_v<T, bool>) {
+          *p = !*p;
+        } else if constexpr (std::is_same_v<T, QString>) {
+          *p = QStringLiteral("Значение, %1; \"x\"").arg(salt);
+        } else if constexpr (std::is_same_v<T, int32_t>) {
+          const int32_t v = *p + 1 + salt % 3;
+          *p = v > key.maxValue ? key.minValue : v;
+        } else {
+          *p = static_cast<T>(*p + 0.125 * (salt + 1));
+        }
+      },
+      key.field(s));
+}
+
+bool SameValue(const SettingField& a, const SettingField& b) {
+  return a.index() == b.index() &&
+         std::visit([&](auto* pa) { return *pa == *std::get<decltype(pa)>(b); }, a);
+}
+
+TEST(ConfigLoad, AFreshUserGetsTheDefaultsAndOnlyGoodRunIsWritten) {
+  MemorySettingsStore store;
+  store.setLocale(kRussian);
+  ScriptedPrompts prompts;
+  AppState s;
+  s.Polus = 1;  // whatever the state held before, the defaults replace it
+  LoadConfig(s, store, prompts);
+  EXPECT_TRUE(prompts.shown.empty());
+  SettingsTree expected;
+  expected[kConfig][QStringLiteral("GoodRun")] = QStringLiteral("0");
+  EXPECT_EQ(store.tree(), expected);
+
+  EXPECT_EQ(s.Polus, 72);
+  EXPECT_EQ(s.FreqSety, 50);
+  EXPECT_DOUBLE_EQ(s.FreqRotorN, 83.3);
+  EXPECT_DOUBLE_EQ(s.FreqOneGarmonic, 1.38);
+  EXPECT_DOUBLE_EQ(s.StepDesc, 0.082);
+  EXPECT_EQ(s.SignalDataN, 32768);
+  EXPECT_EQ(s.ViewLast, 32768);
+  EXPECT_EQ(s.BlockSizeFFT, kMaxSamples);
+  EXPECT_EQ(s.ChannelUsedCount, 32);
+  EXPECT_EQ(s.channels.Active[1], 1) << "no channel was active, so the first became it";
+  EXPECT_EQ(s.channels.Active[2], 0);
+  EXPECT_EQ(s.FirstChannelActive, 1);
+  EXPECT_EQ(s.channels.ChannelColor[32], ChannelColorDefault(32));
+  EXPECT_EQ(s.channels.ProbeFreq[5][6], -1.0f);
+  EXPECT_EQ(s.InitDirOpen, QStringLiteral("C:\\"));
+  EXPECT_EQ(s.options.config.BandLabelText, QStringLiteral("0-1кГц"));
+  EXPECT_EQ(s.options.config.ColorTypeKit[9], 57);
+  EXPECT_EQ(s.options.parameters.ValueClearenceMax, 4000);
+  EXPECT_FALSE(s.options.parameters.FileLastLoad);
+  EXPECT_EQ(s.options.signal.Cursor, -1);
+  EXPECT_EQ(s.markers.MarkerN, 0);
+  for (const SettingKey& key : ScalarSettingKeys())
+    EXPECT_EQ(DefaultSettingText(key.defaultText, kRussian).contains(QLatin1Char('.')), false)
+        << key.key;
+  EXPECT_EQ(DefaultSettingText("83.3", kRussian), QStringLiteral("83,3"));
+}
+
+TEST(ConfigLoad, EverySettingSurvivesARestart) {
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("Aquilonix.conf"));
+  AppState before;
+  int salt = 0;
+  for (const SettingKey& key : ScalarSettingKeys()) MakeDifferent(key, before, ++salt);
+  before.FirstChannelActive = 5;
+  for (int c = 1; c <= kMaxChannels; ++c) {
+    auto& ch = before.channels;
+    ch.Channel[c] = c % 4 == 0 ? 0 : 1;
+    ch.Active[c] = c == 5 ? 1 : 0;
+    ch.Type[c] = c % 10;
+    ch.Place[c] = QStringLiteral("Статор %1 стык").arg(c);
+    ch.Direct[c] = QStringLiteral("ВБ");
+    ch.Ku[c] = 0.1f * static_cast<float>(c);
+    ch.Zero[c] = -c;
+    ch.KS[c] = 1000.5f + static_cast<float>(c);
+    ch.Volume[c] = c % 4;
+    ch.SensorName[c] = QStringLiteral("Д-%1").arg(c);
+    ch.ChannelColor[c] = 0x010203 * c;
+    ch.ChannelLineWidthSignal[c] = 2;
+    ch.ChannelLineWidthSpectr[c] = 3;
+    ch.ChannelY[c] = 40 * c;
+    ch.ChannelYm[c] = 500;
+    for (size_t e = 0; e < kProbeEntries; ++e) ch.ProbeFreq[c][e] = 1.5f * static_cast<float>(c + e);
+    for (size_t e = 0; e < kFilterEntries; ++e) ch.Filter[c][e] = 0.25f * static_cast<float>(e);
+  }
+  before.SignalDataN = 65536;
+  before.BlockSizeFFTa = 4096;
+  before.BlockSizeFFTr = 2048;
+  for (size_t i = 0; i < kRemarkCount; ++i) before.object.Remark[i] = QString::number(i * 7);
+  before.options.config.ScaleSpectr = 3;
+  before.options.config.ColorTypeKit[4] = 63;
+  before.options.config.ColorBackKit[5][3] = 17;
+  before.markers.MarkerN = 2;
+  before.markers.MarkerDate[1] = 45432.5004;
+  before.markers.MarkerRemark[1] = QStringLiteral("Маркер №2");
+  before.markers.MarkerColor[1] = 255;
+  before.markers.MarkerOn[1] = 0;
+  before.markers.MarkerShift[1] = 3;
+  {
+    IniSettingsStore store(path);
+    store.setLocale(kRussian);
+    SettingsStore::Batch batch(store);
+    SaveConfig(store, before);
+    for (const SettingKey& key : ScalarSettingKeys())
+      SaveOption(store, before, QLatin1String(key.section), QLatin1String(key.key));
+    SaveScaleSpectr(store, before);
+    SaveColorTypeKit(store, before);
+    SaveColorBack(store, before);
+    SaveMarker(store, before);
+  }
+  IniSettingsStore store(path);
+  store.setLocale(kRussian);
+  AppState after;
+  LoadConfigReg(after, store);
+
+  for (const SettingKey& key : ScalarSettingKeys())
+    EXPECT_TRUE(SameValue(key.field(after), key.field(before))) << key.section << "/" << key.key;
+  for (int c = 1; c <= kMaxChannels; ++c)
+    for (const ChannelSettingKey& key : ChannelSettingKeys())
+      EXPECT_TRUE(SameValue(key.field(after.channels, c), key.field(before.channels, c)))
+          << key.key << c;
+  for (int c = 1; c <= kMaxChannels; ++c) {
+    EXPECT_EQ(after.channels.ProbeFreq[c], before.channels.ProbeFreq[c]);
+    EXPECT_EQ(after.channels.Filter[c], before.channels.Filter[c]);
+  }
+  EXPECT_EQ(after.SignalDataN, 65536);
+  EXPECT_EQ(after.BlockSizeFFT, 4096);
+  EXPECT_EQ(after.BlockSizeFFTr, 2048);
+  EXPECT_EQ(after.object.Remark, before.object.Remark);
+  EXPECT_EQ(after.options.config.BandLabelText, QStringLiteral("0-10кГц"));
+  EXPECT_EQ(after.options.config.ColorTypeKit, before.options.config.ColorTypeKit);
+  EXPECT_EQ(after.options.config.ColorBackKit, before.options.config.ColorBackKit);
+  EXPECT_EQ(after.markers.MarkerN, 2);
+  EXPECT_DOUBLE_EQ(after.markers.MarkerDate[1], 45432.5004);
+  EXPECT_EQ(after.markers.MarkerRemark[1], QStringLiteral("Маркер №2"));
+  EXPECT_EQ(after.markers.MarkerOn[1], 0);
+  EXPECT_EQ(after.markers.MarkerShift[1], 3);
+  const QString rotorText = ReadSettingsFile(path).tree[kConfig][QStringLiteral("FreqRotorN")];
+  EXPECT_EQ(rotorText, SettingText(before.FreqRotorN, kRussian));
+  EXPECT_TRUE(rotorText.contains(QLatin1Char(','))) << "fractions are stored with the decimal comma";
+}
+
+TEST(ConfigLoad, GarbledValuesKeepWhatTheFieldHeld) {
+  MemorySettingsStore store;
+  store.setLocale(kRussian);
+  const std::pair<const char*, const char*> garbled[] = {
+      {"Polus", "семьдесят два"}, {"FreqRotorN", "8x3"}, {"SignalDataN", "-5"},
+      {"FirstChannelActive", "40"}, {"ScaleSpectr", "9"}, {"ColorBackKitSel", "6"},
+      {"BlockSizeFFTa", "99999999"}, {"ViewToolbarMain", "может быть"}, {"FreqADC", ""},
+  };
+  for (const auto& [key, value] : garbled)
+    store.save(kConfig, QLatin1String(key), QString::fromUtf8(value));
+  store.save(kChannel, QStringLiteral("Type2"), QStringLiteral("12"));
+  store.save(kChannel, QStringLiteral("Volume2"), QStringLiteral("-1"));
+  store.save(kChannel, QStringLiteral("Ku2"), QStringLiteral("1e60"));
+  store.save(QStringLiteral("Marker"), QStringLiteral("MarkerN"), QStringLiteral("101"));
+  AppState s;
+  s.Polus = 60;
+  s.FreqRotorN = 100.0;
+  s.SignalDataN = 8192;
+  s.FirstChannelActive = 1;
+  s.options.config.ScaleSpectr = 1;
+  s.options.config.ColorBackKitSel = 3;
+  s.BlockSizeFFTa = 1024;
+  s.options.config.ViewToolbarMain = false;
+  s.FreqADC = 16000;
+  s.channels.Type[2] = 5;
+  s.channels.Volume[2] = 2;
+  s.channels.Ku[2] = 3.5f;
+  LoadConfigReg(s, store);
+  EXPECT_EQ(s.Polus, 60);
+  EXPECT_DOUBLE_EQ(s.FreqRotorN, 100.0);
+  EXPECT_EQ(s.SignalDataN, 8192);
+  EXPECT_EQ(s.ViewLast, 8192);
+  EXPECT_EQ(s.FirstChannelActive, 1);
+  EXPECT_EQ(s.options.config.ScaleSpectr, 1);
+  EXPECT_EQ(s.options.config.BandLabelText, QStringLiteral("0-100Гц"));
+  EXPECT_EQ(s.options.config.ColorBackKitSel, 3);
+  EXPECT_EQ(s.BlockSizeFFTa, 1024);
+  EXPECT_FALSE(s.options.config.ViewToolbarMain);
+  EXPECT_EQ(s.FreqADC, 16000);
+  EXPECT_EQ(s.channels.Type[2], 5);
+  EXPECT_EQ(s.channels.Volume[2], 2);
+  EXPECT_EQ(s.channels.Ku[2], 3.5f);
+  EXPECT_EQ(s.markers.MarkerN, 0);
+  EXPECT_EQ(s.FreqSety, 50) << "a missing key still gives its default";
+
+  store.save(kConfig, QStringLiteral("SignalDataN"), QStringLiteral("5000000"));
+  LoadConfigReg(s, store);
+  EXPECT_EQ(s.SignalDataN, kMaxSamples) << "a count beyond the store is cut to it";
+}
+
+TEST(ConfigLoad, ACrashOffersTheProtectedStart) {
+  for (const PromptAnswer answer : {PromptAnswer::Yes, PromptAnswer::No}) {
+    MemorySettingsStore store;
+    store.save(kConfig, QStringLiteral("GoodRun"), QStringLiteral("0"));
+    store.save(kConfig, QStringLiteral("Polus"), QStringLiteral("60"));
+    store.save(kChannel, QStringLiteral("Active7"), QStringLiteral("1"));
+    store.save(QStringLiteral("Recent"), QStringLiteral("1"), QStringLiteral("/d/b.aqx"));
+    store.save(QStringLiteral("Recent"), QStringLiteral("2"), QStringLiteral("/d/a.aqx"));
+    ScriptedPrompts prompts;
+    prompts.answers = {answer};
+    AppState s;
+    LoadConfig(s, store, prompts);
+    ASSERT_EQ(prompts.messages().size(), 1u);
+    const ShownPrompt& q = prompts.messages()[0];
+    EXPECT_EQ(q.text, QStringLiteral("Последний раз программа Aquilonix была завершена не корректно.\n"
+                                     "Запустить программу в защищенном режиме?"));
+    EXPECT_EQ(q.title, QStringLiteral("Внимание"));
+    EXPECT_EQ(q.buttons, PromptButtons::YesNo);
+    EXPECT_EQ(q.icon, PromptIcon::Exclamation);
+    EXPECT_EQ(store.get(kConfig, QStringLiteral("GoodRun")), QStringLiteral("0"));
+    EXPECT_EQ(store.get(QStringLiteral("Recent"), QStringLiteral("2")), QStringLiteral("/d/a.aqx"));
+    if (answer == PromptAnswer::Yes) {
+      EXPECT_EQ(s.Polus, 72);
+      EXPECT_EQ(s.channels.Active[1], 1);
+      EXPECT_EQ(s.channels.Active[7], 0);
+      EXPECT_FALSE(store.contains(kConfig, QStringLiteral("Polus")));
+    } else {
+      EXPECT_EQ(s.Polus, 60);
+      EXPECT_EQ(s.channels.Active[7], 1);
+      EXPECT_EQ(s.FirstChannelActive, 1) << "FirstChannelActive is its own key";
+    }
+  }
+  for (const char* goodRun : {"1", "x", ""}) {
+    MemorySettingsStore store;
+    store.save(kConfig, QStringLiteral("GoodRun"), QLatin1String(goodRun));
+    ScriptedPrompts prompts;
+    AppState s;
+    LoadConfig(s, store, prompts);
+    EXPECT_TRUE(prompts.shown.empty()) << goodRun;
+  }
+}
+
+TEST(ConfigLoad, ResetKeepsOnlyTheRecentListAndActiveOne) {
+  MemorySettingsStore store;
+  for (int k = 1; k <= 9; ++k)
+    store.save(QStringLiteral("Recent"), QString::number(k), QStringLiteral("/r/%1.aqx").arg(k));
+  store.save(kConfig, QStringLiteral("Polus"), QStringLiteral("60"));
+  store.save(QStringLiteral("Aquilonix"), QStringLiteral("Start"), QStringLiteral("12"));
+  const SettingsSection recent = store.tree().at(QStringLiteral("Recent"));
+  const int writesBefore = store.writeCount;
+  ResetSettings(store);
+  EXPECT_EQ(store.writeCount, writesBefore + 1);
+  SettingsTree expected;
+  expected[QStringLiteral("Recent")] = recent;
+  expected[kChannel][QStringLiteral("Active1")] = QStringLiteral("1");
+  EXPECT_EQ(store.tree(), expected);
+}
+
+TEST(ConfigLoad, TheResetButtonAsksThenTellsARestartIsNeeded) {
+  MemorySettingsStore store;
+  store.save(kConfig, QStringLiteral("Polus"), QStringLiteral("60"));
+  ScriptedPrompts prompts;
+  prompts.answers = {PromptAnswer::Cancel};
+  EXPECT_EQ(ResetSettingsCommand(store, prompts), ResetOutcome::Cancelled);
+  EXPECT_TRUE(store.contains(kConfig, QStringLiteral("Polus")));
+  EXPECT_EQ(prompts.lastMessage(),
+            QStringLiteral("Удалить все настройки и восстановить все параметры по умолчанию?"));
+
+  prompts.answers = {PromptAnswer::Ok, PromptAnswer::Ok};
+  EXPECT_EQ(ResetSettingsCommand(store, prompts), ResetOutcome::CloseProgram);
+  EXPECT_FALSE(store.contains(kConfig, QStringLiteral("Polus")));
+  const ShownPrompt done = prompts.messages().back();
+  EXPECT_EQ(done.text, QStringLiteral("Настройки удалены и восстановлены все параметры по умолчанию,\n"
+                                      "необходимо перезапустить программу."));
+  EXPECT_EQ(done.title, QStringLiteral("Внимание"));
+  EXPECT_EQ(done.icon, PromptIcon::Information);
+  prompts.answers = {PromptAnswer::Ok, PromptAnswer::Cancel};
+  EXPECT_EQ(ResetSettingsCommand(store, prompts), ResetOutcome::KeepRunning);
+}
+
+TEST(ConfigLoad, TheCurrentChannelIsTheFirstRecordedOneWhenNoneIsShown) {
+  MemorySettingsStore store;
+  store.save(kChannel, QStringLiteral("Channel1"), QStringLiteral("0"));
+  AppState s;
+  LoadConfigReg(s, store);
+  EXPECT_EQ(s.channels.Active[1], 0);
+  EXPECT_EQ(s.channels.Active[2], 1);
+  EXPECT_EQ(s.FirstChannelActive, 2);
+  EXPECT_EQ(s.ChannelUsedCount, 31);
+}
+
+TEST(ConfigLoad, DifferentialModeLeavesChannels17To32Alone) {
+  MemorySettingsStore store;
+  store.save(kChannel, QStringLiteral("ChannelDifferential"), QStringLiteral("1"));
+  store.save(kChannel, QStringLiteral("Ku17"), QStringLiteral("5"));
+  store.save(kChannel, QStringLiteral("Ku16"), QStringLiteral("5"));
+  AppState s;
+  s.ChannelDifferential = 1;
+  s.channels.Ku[17] = 2.0f;
+  LoadConfigReg(s, store);
+  EXPECT_EQ(s.channels.Ku[16], 5.0f);
+  EXPECT_EQ(s.channels.Ku[17], 2.0f);
+  EXPECT_EQ(s.ChannelUsedCount, 16);
+  MemorySettingsStore out;
+  SaveConfig(out, s);
+  EXPECT_TRUE(out.contains(kChannel, QStringLiteral("Ku16")));
+  EXPECT_FALSE(out.contains(kChannel, QStringLiteral("Ku17")));
+}
+
+TEST(ConfigWriters, EachCommandWritesItsKeysInOneWrite) {
+  MemorySettingsStore store;
+  AppState s;
+  s.options.signal.LineCenter = true;
+  EXPECT_TRUE(SaveOption(store, s, QStringLiteral("Signal"), QStringLiteral("LineCenter")));
+  EXPECT_FALSE(SaveOption(store, s, QStringLiteral("Signal"), QStringLiteral("NoSuchKey")));
+  EXPECT_EQ(store.get(QStringLiteral("Signal"), QStringLiteral("LineCenter")), QStringLiteral("1"));
+  EXPECT_EQ(store.writeCount, 1);
+
+  s.channels.Active[4] = 1;
+  s.FirstChannelActive = 4;
+  SaveChannelActive(store, s, 4);
+  EXPECT_EQ(store.writeCount, 2);
+  EXPECT_EQ(store.get(kChannel, QStringLiteral("Active4")), QStringLiteral("1"));
+  EXPECT_EQ(store.get(kConfig, QStringLiteral("FirstChannelActive")), QStringLiteral("4"));
+
+  s.options.parameters.FileLastLoad = true;
+  s.options.color.ColorGrid = 0x123456;
+  SaveParameterSheet(store, s);
+  EXPECT_EQ(store.writeCount, 3);
+  EXPECT_EQ(store.tree().at(QStringLiteral("Parameters")).size(), 17u);
+  EXPECT_EQ(store.tree().at(QStringLiteral("Color")).size(), 11u);
+  EXPECT_EQ(store.get(QStringLiteral("Color"), QStringLiteral("ColorGrid")), QStringLiteral("1193046"));
+
+  s.ViewStyle = 5;
+  SaveViewStyle(store, s);
+  EXPECT_EQ(store.get(kConfig, QStringLiteral("ViewStyle")), QStringLiteral("5"));
+  EXPECT_EQ(ReadWindowSetting(store, QStringLiteral("Lineka"), QStringLiteral("LinekaH"), -1), -1);
+  SaveWindowSetting(store, QStringLiteral("Lineka"), QStringLiteral("LinekaH"), 240);
+  EXPECT_EQ(ReadWindowSetting(store, QStringLiteral("Lineka"), QStringLiteral("LinekaH"), -1), 240);
+}
+
+}  // namespace
+}  // namespace aqx
