@@ -1,0 +1,182 @@
+// info, dump and convert of aquilonix-tool on recordings written here.
+#include "files/DataFile.h"
+#include "tools/ToolCommand.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSet>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace aqx::tool {
+
+int RunInfo(ToolContext& ctx);
+int RunDump(ToolContext& ctx);
+int RunConvert(ToolContext& ctx);
+
+namespace {
+
+QSet<QString> KeySet(const QJsonObject& o) {
+  const QStringList keys = o.keys();
+  return QSet<QString>(keys.begin(), keys.end());
+}
+QSet<QString> Set(const QStringList& names) { return QSet<QString>(names.begin(), names.end()); }
+
+class FileCommands : public ::testing::Test {
+ protected:
+  QTemporaryDir dir;
+  ScriptedPrompts prompts;
+  QString out;
+
+  QString path(const QString& name) const { return dir.filePath(name); }
+
+  int Run(int (*command)(ToolContext&), const QStringList& args) {
+    ToolContext ctx;
+    ctx.args = args;
+    ctx.prompts = &prompts;
+    FILE* stream = std::tmpfile();
+    ctx.out = stream;
+    const int rc = command(ctx);
+    std::fflush(stream);
+    std::rewind(stream);
+    QByteArray bytes;
+    char buffer[4096];
+    for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, stream)) > 0;)
+      bytes.append(buffer, static_cast<qsizetype>(n));
+    std::fclose(stream);
+    out = QString::fromUtf8(bytes);
+    return rc;
+  }
+
+  // Channels 1 and 4 recorded, a ramp of codes, two markers.
+  QString WriteRecording() {
+    auto s = std::make_unique<AppState>();
+    for (int c = 1; c <= kMaxChannels; ++c) s->channels.Channel[c] = (c == 1 || c == 4) ? 1 : 0;
+    s->SignalDataN = 100;
+    for (int i = 1; i <= 100; ++i) {
+      s->SignalData.at(i, 1) = static_cast<int16_t>(i - 50);
+      s->SignalData.at(i, 4) = static_cast<int16_t>(-8192 + i);
+    }
+    s->object.Station = QStringLiteral("Братская \"ГЭС\"");
+    s->channels.Ku[4] = 0.1f;
+    s->markers.MarkerN = 2;
+    s->markers.MarkerRemark[1] = QStringLiteral("второй");
+    s->PathFileData = path(QStringLiteral("rec.aqx"));
+    EXPECT_TRUE(WriteDataFile(*s, prompts));
+    return s->PathFileData;
+  }
+};
+
+TEST_F(FileCommands, InfoJsonHasExactlyTheStatesNames) {
+  const QString file = WriteRecording();
+  ASSERT_EQ(Run(RunInfo, {file, QStringLiteral("--json")}), kExitOk);
+  QJsonParseError error;
+  const QJsonDocument doc = QJsonDocument::fromJson(out.toUtf8(), &error);
+  ASSERT_EQ(error.error, QJsonParseError::NoError) << out.toStdString();
+  const QJsonObject o = doc.object();
+  const QStringList keys = {
+      "FileVersionMajor", "FileVersionMinor", "FileVersionRevision", "Polus", "FreqSety",
+      "NumberRotorRecord", "StepDesc", "FreqRotorReal", "FreqDesc", "FreqDescR", "FreqRotorN",
+      "FreqOneGarmonic", "Station", "Agregat", "Mode", "RecordDate", "Imposition",
+      "FirstChannelActive", "BlockSizeFFT", "BlockSizeFFTa", "BlockSizeFFTr", "ChannelDifferential",
+      "SignalDataN", "ChannelUsedCount", "InputMode", "SynchroAdType", "SynchroAdMode",
+      "SynchroAdChannel", "SynchroAdPorog", "ViewStyle", "ModuleTag", "SolidMode", "SolidFileName",
+      "FreqADC", "Remark", "MarkerN", "Markers", "Channels"};
+  EXPECT_EQ(KeySet(o), Set(keys));
+  EXPECT_EQ(o["Station"].toString(), QStringLiteral("Братская \"ГЭС\""));
+  EXPECT_EQ(o["SignalDataN"].toInt(), 100);
+  EXPECT_EQ(o["ChannelUsedCount"].toInt(), 2);
+  EXPECT_EQ(o["FileVersionMinor"].toInt(), 12);
+  EXPECT_EQ(o["Remark"].toArray().size(), 28);
+  ASSERT_EQ(o["Markers"].toArray().size(), 2);
+  const QJsonObject marker = o["Markers"].toArray()[1].toObject();
+  EXPECT_EQ(KeySet(marker),
+            Set({"MarkerDate", "MarkerRemark", "MarkerColor", "MarkerOn", "MarkerShift"}));
+  EXPECT_EQ(marker["MarkerRemark"].toString(), QStringLiteral("второй"));
+  const QJsonArray channels = o["Channels"].toArray();
+  ASSERT_EQ(channels.size(), 32);
+  const QJsonObject four = channels[3].toObject();
+  const QStringList channelKeys = {"number", "Channel", "Active", "Type", "Place", "Direct", "Ku",
+                                   "Zero", "KS", "Volume", "SensorName", "ChannelColor", "ChannelY",
+                                   "ChannelYm", "ProbeFreq", "Filter"};
+  EXPECT_EQ(KeySet(four), Set(channelKeys));
+  EXPECT_EQ(four["number"].toInt(), 4);
+  EXPECT_EQ(four["Channel"].toInt(), 1);
+  EXPECT_EQ(four["Ku"].toDouble(), 0.1);  // written in the shortest form of the float
+  EXPECT_EQ(four["ProbeFreq"].toArray().size(), 7);
+  EXPECT_EQ(four["Filter"].toArray().size(), 4);
+  EXPECT_EQ(out.count(QLatin1Char('\n')), 1);  // one object, one line
+}
+
+TEST_F(FileCommands, InfoTextAndRefusals) {
+  const QString file = WriteRecording();
+  ASSERT_EQ(Run(RunInfo, {file}), kExitOk);
+  EXPECT_TRUE(out.contains(QStringLiteral("SignalDataN: 100\n")));
+  EXPECT_TRUE(out.contains(QStringLiteral("\n4\t1\t0\t1\t")));  // channel 4 row
+
+  QFile bad(path(QStringLiteral("bad.aqx")));
+  ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
+  bad.write("not a recording");
+  bad.close();
+  EXPECT_EQ(Run(RunInfo, {bad.fileName(), QStringLiteral("--json")}), kExitRefused);
+  EXPECT_TRUE(out.isEmpty());
+  EXPECT_EQ(prompts.lastMessage(), QStringLiteral("Указанный файл не является файлом данных Aquilonix!"));
+  EXPECT_EQ(Run(RunInfo, {path(QStringLiteral("x.txt"))}), kExitRefused);
+  EXPECT_EQ(Run(RunInfo, {}), kExitRefused);
+}
+
+TEST_F(FileCommands, DumpPrintsOneChannelsCodesInTheRangeAsked) {
+  const QString file = WriteRecording();
+  ASSERT_EQ(Run(RunDump, {file, QStringLiteral("--channel"), QStringLiteral("4")}), kExitOk);
+  const QStringList lines = out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+  ASSERT_EQ(lines.size(), 100);
+  EXPECT_EQ(lines.front(), QStringLiteral("-8191"));
+  EXPECT_EQ(lines.back(), QStringLiteral("-8092"));
+  ASSERT_EQ(Run(RunDump, {file, QStringLiteral("--channel"), QStringLiteral("1"), QStringLiteral("--first"),
+                          QStringLiteral("49"), QStringLiteral("--last"), QStringLiteral("51")}),
+            kExitOk);
+  EXPECT_EQ(out, QStringLiteral("-1\n0\n1\n"));
+  EXPECT_EQ(Run(RunDump, {file, QStringLiteral("--channel"), QStringLiteral("2")}), kExitRefused);
+  EXPECT_EQ(Run(RunDump, {file, QStringLiteral("--channel"), QStringLiteral("1"), QStringLiteral("--last"),
+                          QStringLiteral("101")}),
+            kExitRefused);
+  EXPECT_EQ(Run(RunDump, {file}), kExitRefused);
+}
+
+TEST_F(FileCommands, ConvertWritesTheCurrentLayout) {
+  // A layout 3 file: channel 1 recorded, 2 samples from byte number 5534.
+  QByteArray old(5533 + 4, '\0');
+  std::memcpy(old.data(), "Aquilonix ", 10);
+  const int32_t version[3] = {1, 3, 0};
+  std::memcpy(old.data() + 10, version, 12);
+  const int32_t one = 1, two = 2;
+  std::memcpy(old.data() + 190, &one, 4);    // Channel(1)
+  std::memcpy(old.data() + 4510, &two, 4);   // SignalDataN
+  const int16_t codes[2] = {-5, 7};
+  std::memcpy(old.data() + 5533, codes, 4);
+  QFile f(path(QStringLiteral("old.aqx")));
+  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+  f.write(old);
+  f.close();
+
+  ASSERT_EQ(Run(RunConvert, {f.fileName(), path(QStringLiteral("new.aqx"))}), kExitOk);
+  EXPECT_EQ(prompts.lastMessage(),
+            QStringLiteral("Файл версии 1.3 успешно конвертирован до текущей версии %1.%2")
+                .arg(AQX_VERSION_MAJOR)
+                .arg(AQX_VERSION_MINOR));
+  EXPECT_EQ(QFileInfo(path(QStringLiteral("new.aqx"))).size(), 14172 + 4);
+  ASSERT_EQ(Run(RunDump, {path(QStringLiteral("new.aqx")), QStringLiteral("--channel"), QStringLiteral("1")}),
+            kExitOk);
+  EXPECT_EQ(out, QStringLiteral("-5\n7\n"));
+  EXPECT_EQ(Run(RunConvert, {f.fileName(), path(QStringLiteral("no/such/new.aqx"))}), kExitFailure);
+  EXPECT_EQ(prompts.messages().back().title, QStringLiteral("Сохранение"));
+}
+
+}  // namespace
+}  // namespace aqx::tool
