@@ -1,0 +1,161 @@
+#include "engine/FftPlans.h"
+
+#include <algorithm>
+#include <list>
+#include <map>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace aqx::engine {
+namespace {
+
+// Plans of a few dozen sizes cover the selections a user makes in a session;
+// the least recently used go when more are asked for.
+constexpr size_t kMaxPlans = 48;
+// Idle buffers kept for reuse, and the bytes they may hold together.
+constexpr size_t kMaxIdleBuffers = 8;
+constexpr size_t kMaxIdleBytes = size_t{192} << 20;
+
+// The C interface carries no context, so the plan cache and the buffer pool
+// are the library's one process-wide state, guarded by their own mutexes.
+struct FftState {
+  std::mutex cacheMutex;    // plans map and its use order
+  std::mutex plannerMutex;  // every call into the FFTW planner
+  std::map<std::pair<FftKind, int32_t>, std::shared_ptr<const FftPlan>> plans;
+  std::list<std::pair<FftKind, int32_t>> useOrder;  // most recent at the front
+
+  std::mutex poolMutex;
+  std::vector<std::pair<double*, size_t>> idle;  // oldest first
+  size_t idleBytes = 0;
+
+  ~FftState() {
+    plans.clear();
+    for (auto& b : idle) fftw_free(b.first);
+  }
+};
+
+FftState g_fft;
+
+size_t DoublesFor(FftKind kind, int32_t size) {
+  const bool real = kind == FftKind::RealToComplex || kind == FftKind::ComplexToReal;
+  return real ? RealTransformDoubles(size) : 2 * static_cast<size_t>(size);
+}
+
+fftw_plan MakePlan(FftKind kind, int32_t size) {
+  std::lock_guard<std::mutex> lock(g_fft.plannerMutex);
+  // FFTW_ESTIMATE never writes the arrays while planning; they only fix the
+  // alignment and in-placeness that later executions must share.
+  double* probe = static_cast<double*>(fftw_malloc(sizeof(double) * DoublesFor(kind, size)));
+  if (probe == nullptr) return nullptr;
+  auto* probeComplex = reinterpret_cast<fftw_complex*>(probe);
+  fftw_plan plan = nullptr;
+  switch (kind) {
+    case FftKind::RealToComplex:
+      plan = fftw_plan_dft_r2c_1d(size, probe, probeComplex, FFTW_ESTIMATE);
+      break;
+    case FftKind::ComplexToReal:
+      plan = fftw_plan_dft_c2r_1d(size, probeComplex, probe, FFTW_ESTIMATE);
+      break;
+    case FftKind::ComplexForward:
+      plan = fftw_plan_dft_1d(size, probeComplex, probeComplex, FFTW_FORWARD, FFTW_ESTIMATE);
+      break;
+    case FftKind::ComplexBackward:
+      plan = fftw_plan_dft_1d(size, probeComplex, probeComplex, FFTW_BACKWARD, FFTW_ESTIMATE);
+      break;
+  }
+  fftw_free(probe);
+  return plan;
+}
+
+}  // namespace
+
+FftPlan::~FftPlan() {
+  std::lock_guard<std::mutex> lock(g_fft.plannerMutex);
+  fftw_destroy_plan(plan_);
+}
+
+void FftPlan::execute(double* data) const {
+  auto* c = reinterpret_cast<fftw_complex*>(data);
+  switch (kind_) {
+    case FftKind::RealToComplex:
+      fftw_execute_dft_r2c(plan_, data, c);
+      break;
+    case FftKind::ComplexToReal:
+      fftw_execute_dft_c2r(plan_, c, data);
+      break;
+    case FftKind::ComplexForward:
+    case FftKind::ComplexBackward:
+      fftw_execute_dft(plan_, c, c);
+      break;
+  }
+}
+
+std::shared_ptr<const FftPlan> PlanFor(FftKind kind, int32_t size) {
+  if (size < 1) return nullptr;
+  const auto key = std::make_pair(kind, size);
+  std::lock_guard<std::mutex> lock(g_fft.cacheMutex);
+  auto found = g_fft.plans.find(key);
+  if (found != g_fft.plans.end()) {
+    g_fft.useOrder.remove(key);
+    g_fft.useOrder.push_front(key);
+    return found->second;
+  }
+  fftw_plan raw = MakePlan(kind, size);
+  if (raw == nullptr) return nullptr;
+  auto plan = std::make_shared<const FftPlan>(raw, kind, size);
+  g_fft.plans.emplace(key, plan);
+  g_fft.useOrder.push_front(key);
+  while (g_fft.plans.size() > kMaxPlans) {
+    // Callers still holding an evicted plan keep it alive until they finish.
+    g_fft.plans.erase(g_fft.useOrder.back());
+    g_fft.useOrder.pop_back();
+  }
+  return plan;
+}
+
+WorkBuffer::WorkBuffer(size_t doubles) : doubles_(std::max<size_t>(doubles, 2)) {
+  {
+    std::lock_guard<std::mutex> lock(g_fft.poolMutex);
+    for (auto it = g_fft.idle.begin(); it != g_fft.idle.end(); ++it) {
+      if (it->second == doubles_) {
+        data_ = it->first;
+        g_fft.idleBytes -= it->second * sizeof(double);
+        g_fft.idle.erase(it);
+        return;
+      }
+    }
+  }
+  data_ = static_cast<double*>(fftw_malloc(sizeof(double) * doubles_));
+  if (data_ == nullptr) doubles_ = 0;
+}
+
+WorkBuffer::~WorkBuffer() {
+  if (data_ == nullptr) return;
+  std::vector<double*> release;
+  {
+    std::lock_guard<std::mutex> lock(g_fft.poolMutex);
+    g_fft.idle.emplace_back(data_, doubles_);
+    g_fft.idleBytes += doubles_ * sizeof(double);
+    while (g_fft.idle.size() > kMaxIdleBuffers || g_fft.idleBytes > kMaxIdleBytes) {
+      release.push_back(g_fft.idle.front().first);
+      g_fft.idleBytes -= g_fft.idle.front().second * sizeof(double);
+      g_fft.idle.erase(g_fft.idle.begin());
+    }
+  }
+  for (double* p : release) fftw_free(p);
+}
+
+WorkBuffer::WorkBuffer(WorkBuffer&& other) noexcept
+    : data_(std::exchange(other.data_, nullptr)), doubles_(std::exchange(other.doubles_, 0)) {}
+
+WorkBuffer& WorkBuffer::operator=(WorkBuffer&& other) noexcept {
+  if (this != &other) {
+    WorkBuffer old(std::move(*this));
+    data_ = std::exchange(other.data_, nullptr);
+    doubles_ = std::exchange(other.doubles_, 0);
+  }
+  return *this;
+}
+
+}  // namespace aqx::engine

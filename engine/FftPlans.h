@@ -1,0 +1,69 @@
+#pragma once
+// FFTW plans made once per size and kind and reused, and aligned work memory
+// leased from a small pool, so that a spectrum of a million samples costs the
+// transform and not the planning or the page faults of fresh buffers.
+// Planning goes through one mutex (the FFTW planner is not thread-safe);
+// executing a plan on leased buffers needs no lock.
+
+#include <fftw3.h>
+
+#include <complex>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace aqx::engine {
+
+enum class FftKind : int32_t {
+  RealToComplex,     // n reals -> n/2+1 complex, in place in one buffer
+  ComplexToReal,     // n/2+1 complex -> n reals, in place
+  ComplexForward,    // n complex -> n complex, in place
+  ComplexBackward,
+};
+
+// A plan shared by all callers of the same kind and size.
+class FftPlan {
+ public:
+  FftPlan(fftw_plan plan, FftKind kind, int32_t size) : plan_(plan), kind_(kind), size_(size) {}
+  ~FftPlan();
+  FftPlan(const FftPlan&) = delete;
+  FftPlan& operator=(const FftPlan&) = delete;
+
+  // In-place transforms on memory from LeaseBuffer (FFTW's alignment).
+  // Real kinds: `data` holds 2*(size/2+1) doubles. Complex kinds: 2*size.
+  void execute(double* data) const;
+  int32_t size() const { return size_; }
+
+ private:
+  fftw_plan plan_;
+  FftKind kind_;
+  int32_t size_;
+};
+
+std::shared_ptr<const FftPlan> PlanFor(FftKind kind, int32_t size);
+
+// Aligned doubles, returned to the pool on destruction.
+class WorkBuffer {
+ public:
+  WorkBuffer() = default;
+  explicit WorkBuffer(size_t doubles);
+  ~WorkBuffer();
+  WorkBuffer(WorkBuffer&& other) noexcept;
+  WorkBuffer& operator=(WorkBuffer&& other) noexcept;
+  WorkBuffer(const WorkBuffer&) = delete;
+  WorkBuffer& operator=(const WorkBuffer&) = delete;
+
+  double* data() { return data_; }
+  const double* data() const { return data_; }
+  size_t size() const { return doubles_; }
+  std::complex<double>* complexData() { return reinterpret_cast<std::complex<double>*>(data_); }
+
+ private:
+  double* data_ = nullptr;
+  size_t doubles_ = 0;
+};
+
+// Doubles needed for an in-place real transform of n points.
+inline size_t RealTransformDoubles(int32_t n) { return 2 * (static_cast<size_t>(n) / 2 + 1); }
+
+}  // namespace aqx::engine

@@ -1,0 +1,269 @@
+// The rotor form: pole by pole EMF of the turn probe per revolution and
+// their average (FormaRotorAccount).
+
+#include "engine/MarkerDetect.h"
+
+#include <algorithm>
+#include <array>
+#include <complex>
+#include <map>
+#include <vector>
+
+using namespace aqx::engine;
+
+namespace {
+
+constexpr int32_t kFormStride = AQX_FORMA_POLES;
+constexpr int32_t kHarmonicStride = AQX_FORMA_HARMONICS;
+constexpr int32_t kMaxForms = AQX_FORMA_FORMS - 1;
+constexpr int32_t kMaxPoles = AQX_FORMA_POLES - 1;
+constexpr int32_t kHarmonics = AQX_FORMA_HARMONICS - 1;
+
+struct Revolution {
+  int32_t start = 0;   // index (from 0) of the mark's row
+  int32_t length = 0;  // samples to the next mark
+  double rpm = 0.0;
+};
+
+// Marks closer than half the usual spacing are bounces or spikes.
+std::vector<size_t> SpacedMarks(const MarkerResult& found) {
+  std::vector<size_t> kept;
+  if (found.marks.size() < 2) return kept;
+  std::vector<int32_t> gaps;
+  for (size_t i = 1; i < found.marks.size(); ++i) gaps.push_back(found.marks[i] - found.marks[i - 1]);
+  std::nth_element(gaps.begin(), gaps.begin() + gaps.size() / 2, gaps.end());
+  const int32_t least = gaps[gaps.size() / 2] / 2;
+  kept.push_back(0);
+  for (size_t i = 1; i < found.marks.size(); ++i) {
+    if (found.marks[i] - found.marks[kept.back()] >= least) kept.push_back(i);
+  }
+  return kept;
+}
+
+// Half-waves of the EMF in one revolution: sign changes beyond 30% of the
+// peak, so that ripple near zero does not count.
+int32_t HalfWaves(const std::vector<double>& emf, const Revolution& r, double mean) {
+  double peak = 0.0;
+  for (int32_t j = 0; j < r.length; ++j) peak = std::max(peak, std::fabs(emf[r.start + j] - mean));
+  const double threshold = 0.3 * peak;
+  if (threshold <= 0.0) return 0;
+  int32_t sign = 0;
+  int32_t changes = 0;
+  for (int32_t j = 0; j < r.length; ++j) {
+    const double v = emf[r.start + j] - mean;
+    const int32_t s = v > threshold ? 1 : (v < -threshold ? -1 : 0);
+    if (s == 0) continue;
+    if (sign != 0 && s != sign) ++changes;
+    sign = s;
+  }
+  return changes;
+}
+
+// The number of half-waves that most revolutions agree on, or 0.
+int32_t PolesFromEmf(const std::vector<int32_t>& halfWaves) {
+  std::map<int32_t, int32_t> votes;
+  for (int32_t h : halfWaves) ++votes[h];
+  const auto best = std::max_element(votes.begin(), votes.end(),
+                                     [](const auto& a, const auto& b) { return a.second < b.second; });
+  if (best == votes.end()) return 0;
+  const bool agreed = best->second * 5 >= static_cast<int32_t>(halfWaves.size()) * 4;
+  const int32_t poles = best->first;
+  return (agreed && poles >= 2 && poles <= kMaxPoles && poles % 2 == 0) ? poles : 0;
+}
+
+struct FormValues {
+  std::vector<double> poleRms;  // pole 1..P at 0..P-1
+  double rms = 0.0;
+  double speed = 0.0;
+};
+
+struct FormSummary {
+  std::vector<double> percent;
+  double distortion = 0.0;
+  std::array<std::complex<double>, AQX_FORMA_HARMONICS> harmonics{};
+};
+
+FormSummary Summarise(const FormValues& f) {
+  FormSummary s;
+  const size_t poles = f.poleRms.size();
+  s.percent.resize(poles, 0.0);
+  if (f.rms > 0.0) {
+    for (size_t p = 0; p < poles; ++p) s.percent[p] = 100.0 * (f.poleRms[p] - f.rms) / f.rms;
+  }
+  const auto [lo, hi] = std::minmax_element(s.percent.begin(), s.percent.end());
+  s.distortion = *hi - *lo;
+  for (int32_t h = 1; h <= kHarmonics; ++h) {
+    std::complex<double> c = 0.0;
+    for (size_t p = 0; p < poles; ++p) {
+      c += s.percent[p] * std::polar(1.0, -2.0 * kPi * h * static_cast<double>(p) / poles);
+    }
+    s.harmonics[h] = c * (2.0 / poles);
+  }
+  return s;
+}
+
+}  // namespace
+
+extern "C" int32_t FormaRotorAccount(int64_t /*windowHandle*/, const int16_t* SignalData,
+                                     int32_t SignalDataN, const int32_t* Channel,
+                                     const int32_t* Type, int32_t FreqDesc, int32_t* Polus,
+                                     int32_t* FormaRotorN, double* FormaSpeed,
+                                     double* FormaPoleRms, double* FormaPolePercent,
+                                     double* FormaRms, double* FormaDistortion,
+                                     double* FormaPoleMin, double* FormaPoleMax,
+                                     double* FormaGarmonicAmplitude, double* FormaGarmonicPhase,
+                                     double* FormaRotorResult) {
+  auto fail = [&](int32_t code) {
+    if (FormaRotorN) *FormaRotorN = 0;
+    if (FormaRotorResult) *FormaRotorResult = 0.0;
+    return code;
+  };
+  const double* arrays[] = {FormaSpeed,   FormaPoleRms, FormaPolePercent,      FormaRms,
+                            FormaDistortion, FormaPoleMin, FormaPoleMax, FormaGarmonicAmplitude,
+                            FormaGarmonicPhase};
+  const bool arraysPresent = std::all_of(std::begin(arrays), std::end(arrays),
+                                         [](const double* a) { return a != nullptr; });
+  if (SignalData == nullptr || Polus == nullptr || FormaRotorN == nullptr ||
+      FormaRotorResult == nullptr || !arraysPresent || FreqDesc <= 0) {
+    return fail(AQX_FORMA_BAD_ARGUMENTS);
+  }
+  const int32_t turn = FirstChannelOfType(Channel, Type, kTypeTurnProbe);
+  if (turn < 0) return fail(AQX_FORMA_NO_TURN_PROBE);
+  const int32_t marker = FirstChannelOfType(Channel, Type, kTypeMarker);
+  if (marker < 0) return fail(AQX_FORMA_NO_MARKER);
+
+  const int32_t n = ClampSampleCount(SignalDataN);
+  MarkerSettings settings;
+  settings.automatic = true;
+  const MarkerResult found = DetectMarks(SignalData, marker, Stretch{1, n}, settings, kMaxMarks);
+  const std::vector<size_t> kept = SpacedMarks(found);
+  if (kept.size() < 2) return fail(AQX_FORMA_NO_REVOLUTION);
+
+  std::vector<Revolution> revolutions;
+  for (size_t i = 1; i < kept.size() && static_cast<int32_t>(revolutions.size()) < kMaxForms; ++i) {
+    Revolution r;
+    r.start = found.marks[kept[i - 1]] - 1;
+    r.length = found.marks[kept[i]] - found.marks[kept[i - 1]];
+    r.rpm = 60.0 * FreqDesc / (found.crossings[kept[i]] - found.crossings[kept[i - 1]]);
+    revolutions.push_back(r);
+  }
+
+  std::vector<double> emf(static_cast<size_t>(n));
+  for (int32_t i = 0; i < n; ++i) emf[static_cast<size_t>(i)] = CodeAt(SignalData, i + 1, turn);
+  // A first guess of the channel's offset, good enough to count half-waves.
+  double sum = 0.0;
+  int64_t counted = 0;
+  for (const Revolution& r : revolutions) {
+    for (int32_t j = 0; j < r.length; ++j) sum += emf[static_cast<size_t>(r.start + j)];
+    counted += r.length;
+  }
+  const double mean = sum / static_cast<double>(counted);
+  std::vector<int32_t> halfWaves;
+  for (const Revolution& r : revolutions) halfWaves.push_back(HalfWaves(emf, r, mean));
+  int32_t poles = *Polus;
+  const int32_t fromEmf = PolesFromEmf(halfWaves);
+  if (fromEmf > 0) poles = fromEmf;
+  if (poles < 2 || poles > kMaxPoles) return fail(AQX_FORMA_BAD_POLES);
+  *Polus = poles;
+
+  // Pole boundaries sit on the zero crossings of the wave of poles/2 periods
+  // per revolution; one offset for the whole record, averaged over it.
+  const double periods = poles / 2.0;
+  std::complex<double> offsetSum = 0.0;
+  for (size_t r = 0; r < revolutions.size(); ++r) {
+    std::complex<double> c = 0.0;
+    const Revolution& rev = revolutions[r];
+    for (int32_t j = 0; j < rev.length; ++j) {
+      c += (emf[static_cast<size_t>(rev.start + j)] - mean) *
+           std::polar(1.0, -2.0 * kPi * periods * j / rev.length);
+    }
+    const double lag = -std::arg(c);  // the wave is cos(2*pi*periods*j/L - lag)
+    offsetSum += std::polar(1.0, 2.0 * (lag + kPi / 2.0));
+  }
+  double offset = std::arg(offsetSum) / (2.0 * kPi);
+  if (offset < 0.0) offset += 1.0;
+
+  // Pole p of a revolution covers [bounds[p], bounds[p+1]) of the record.
+  std::vector<std::vector<int32_t>> bounds(revolutions.size());
+  double sectionSum = 0.0;
+  int64_t sectionCount = 0;
+  for (size_t r = 0; r < revolutions.size(); ++r) {
+    const Revolution& rev = revolutions[r];
+    const double perPole = static_cast<double>(rev.length) / poles;
+    for (int32_t p = 0; p <= poles; ++p) {
+      bounds[r].push_back(std::min(n, rev.start + static_cast<int32_t>(std::ceil((p + offset) * perPole))));
+    }
+    for (int32_t i = bounds[r].front(); i < bounds[r].back(); ++i) sectionSum += emf[static_cast<size_t>(i)];
+    sectionCount += bounds[r].back() - bounds[r].front();
+  }
+  // Over whole revolutions the EMF has no mean: what is left is the offset of
+  // the channel. Summed from pole boundary to pole boundary, so that a pole
+  // cut at a revolution's end is not counted once weak and once strong.
+  const double zero = sectionCount > 0 ? sectionSum / static_cast<double>(sectionCount) : mean;
+
+  std::vector<FormValues> forms(revolutions.size());
+  for (size_t r = 0; r < revolutions.size(); ++r) {
+    FormValues& f = forms[r];
+    f.speed = revolutions[r].rpm;
+    f.poleRms.assign(static_cast<size_t>(poles), 0.0);
+    for (int32_t p = 0; p < poles; ++p) {
+      const int32_t begin = bounds[r][static_cast<size_t>(p)];
+      const int32_t end = bounds[r][static_cast<size_t>(p) + 1];
+      double sumSquares = 0.0;
+      for (int32_t i = begin; i < end; ++i) {
+        const double v = emf[static_cast<size_t>(i)] - zero;
+        sumSquares += v * v;
+      }
+      f.poleRms[static_cast<size_t>(p)] =
+          end > begin ? std::sqrt(sumSquares / (end - begin)) * kMillivoltsPerCode : 0.0;
+    }
+    for (double v : f.poleRms) f.rms += v;
+    f.rms /= poles;
+  }
+  FormValues average;
+  average.poleRms.assign(static_cast<size_t>(poles), 0.0);
+  for (const FormValues& f : forms) {
+    for (int32_t p = 0; p < poles; ++p) average.poleRms[static_cast<size_t>(p)] += f.poleRms[static_cast<size_t>(p)] / forms.size();
+    average.speed += f.speed / forms.size();
+  }
+  for (double v : average.poleRms) average.rms += v;
+  average.rms /= poles;
+
+  std::fill_n(FormaSpeed, AQX_FORMA_FORMS, 0.0);
+  std::fill_n(FormaRms, AQX_FORMA_FORMS, 0.0);
+  std::fill_n(FormaDistortion, AQX_FORMA_FORMS, 0.0);
+  std::fill_n(FormaPoleRms, AQX_FORMA_FORMS * kFormStride, 0.0);
+  std::fill_n(FormaPolePercent, AQX_FORMA_FORMS * kFormStride, 0.0);
+  std::fill_n(FormaPoleMin, AQX_FORMA_POLES, 0.0);
+  std::fill_n(FormaPoleMax, AQX_FORMA_POLES, 0.0);
+  std::fill_n(FormaGarmonicAmplitude, AQX_FORMA_FORMS * kHarmonicStride, 0.0);
+  std::fill_n(FormaGarmonicPhase, AQX_FORMA_FORMS * kHarmonicStride, 0.0);
+
+  double fullScale = 0.0;
+  const int32_t formCount = static_cast<int32_t>(forms.size());
+  for (int32_t f = 0; f <= formCount; ++f) {
+    const FormValues& values = f == 0 ? average : forms[static_cast<size_t>(f - 1)];
+    const FormSummary s = Summarise(values);
+    FormaSpeed[f] = values.speed;
+    FormaRms[f] = values.rms;
+    FormaDistortion[f] = s.distortion;
+    for (int32_t p = 1; p <= poles; ++p) {
+      const double percent = s.percent[static_cast<size_t>(p - 1)];
+      FormaPoleRms[f * kFormStride + p] = values.poleRms[static_cast<size_t>(p - 1)];
+      FormaPolePercent[f * kFormStride + p] = percent;
+      if (f == 0) continue;
+      FormaPoleMin[p] = f == 1 ? percent : std::min(FormaPoleMin[p], percent);
+      FormaPoleMax[p] = f == 1 ? percent : std::max(FormaPoleMax[p], percent);
+    }
+    for (int32_t h = 1; h <= kHarmonics; ++h) {
+      const double amplitude = std::abs(s.harmonics[h]);
+      FormaGarmonicAmplitude[f * kHarmonicStride + h] = amplitude;
+      FormaGarmonicPhase[f * kHarmonicStride + h] =
+          amplitude > 0.0 ? WrapDegrees(std::arg(s.harmonics[h]) * 180.0 / kPi) : 0.0;
+      fullScale = std::max(fullScale, amplitude);
+    }
+  }
+  *FormaRotorN = formCount;
+  *FormaRotorResult = fullScale > 0.0 ? fullScale : 1.0;
+  return 0;
+}

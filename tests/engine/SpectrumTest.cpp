@@ -1,0 +1,180 @@
+// Spectra against analytic signals: a sine of known amplitude and phase, DC,
+// the Nyquist frequency, an impulse, block averaging and integration.
+
+#include "EngineTestSupport.h"
+
+#include <gtest/gtest.h>
+
+using namespace aqx::test;
+
+namespace {
+
+constexpr int32_t kSampleHz = 1024;
+constexpr int32_t kRowsUsed = 8192;  // lines 0.125 Hz apart
+
+struct Spectrum {
+  Guarded<double> amplitude{AQX_SPECTRUM_LINES, kSentinelValue};
+  Guarded<double> phase{AQX_SPECTRUM_LINES, kSentinelValue};
+  Guarded<double> real{AQX_SPECTRUM_LINES, kSentinelValue};
+  double step = -1.0;
+  int32_t lines = -1;
+  int32_t largest = -1;
+};
+
+struct Request {
+  int32_t first = 1, last = kRowsUsed, selectFirst = 0, selectLast = 0;
+  int32_t block = AQX_SIGNAL_ROWS;
+  int32_t removeConstant = 1;
+  std::vector<int32_t> marks;
+};
+
+Spectrum Analyse(Store& store, const Request& r) {
+  Spectrum s;
+  const auto ku = PerChannel(1.25f);  // one unit per code
+  AccountSpectrFull(nullptr, nullptr, s.phase.data(), s.real.data(), s.amplitude.data(), r.selectFirst,
+                    r.selectLast, r.first, r.last, AQX_SIGNAL_ROWS, store.rows, store.data(), 1, nullptr,
+                    nullptr, r.removeConstant, r.block, &s.step, kSampleHz, &s.lines, &s.largest,
+                    ku.data(), static_cast<int32_t>(r.marks.size()), r.marks.data(), -1);
+  return s;
+}
+
+// (peak-to-peak / 2) * cos(2*pi*f*t - phase) with t = 0 at row 1.
+double Sine(int32_t row, double hz, double peakToPeak, double phaseDegrees) {
+  return peakToPeak / 2 * std::cos(2 * kPi * hz * (row - 1) / kSampleHz - phaseDegrees * kPi / 180);
+}
+
+}  // namespace
+
+TEST(EngineSpectrum, SineGivesItsAmplitudeAndPhaseAtItsLine) {
+  Store store(kRowsUsed);
+  store.fill(1, kRowsUsed, [](int32_t row) { return Sine(row, 50.0, 6000, 30); });
+  Spectrum s = Analyse(store, {});
+  EXPECT_DOUBLE_EQ(s.step, 0.125);
+  EXPECT_EQ(s.lines, 4096);
+  EXPECT_NEAR(s.amplitude[400], 6000, 60);
+  EXPECT_NEAR(AngleDifference(s.phase[400], 30), 0, 1);
+  EXPECT_NEAR(s.real[400], 6000 * std::cos(30 * kPi / 180), 60);
+  EXPECT_NEAR(s.largest, 6000, 60);
+  EXPECT_LT(s.amplitude[390], 1.0);  // the Hann window keeps the line narrow
+  EXPECT_TRUE(s.amplitude.guardIntact() && s.phase.guardIntact() && s.real.guardIntact());
+  // Referred to a shaft mark 100 rows later the phase is that much earlier.
+  Request atMark;
+  atMark.marks = {101};
+  s = Analyse(store, atMark);
+  EXPECT_NEAR(AngleDifference(s.phase[400], 30 - 360.0 * 50 * 100 / kSampleHz), 0, 1);
+}
+
+TEST(EngineSpectrum, ProbeBetweenLinesReadsTheSineThere) {
+  Store store(kRowsUsed);
+  store.fill(1, kRowsUsed, [](int32_t row) { return Sine(row, 50.05, 6000, 45) + Sine(row, 12.5, 1000, 200); });
+  Spectrum s = Analyse(store, {});
+  ASSERT_EQ(s.lines, 4096);
+  auto probes = PerChannel(std::array<float, 7>{-1, -1, -1, -1, -1, -1, -1});
+  probes[0] = {50.05f, 12.5f, 300.0f, 600.0f, -1, 0, -1};
+  Guarded<int32_t> amplitude(8, kSentinel), phase(8, kSentinel);
+  AccountProbe(1, s.lines, amplitude.data(), phase.data(), probes[0].data(), nullptr, nullptr, 12.5, s.step,
+               s.amplitude.data(), s.phase.data(), s.real.data());
+  EXPECT_NEAR(amplitude[0], 1000, 10);  // entry 0: the first harmonic
+  EXPECT_NEAR(AngleDifference(phase[0], 200), 0, 1);
+  EXPECT_NEAR(amplitude[1], 6000, 60);  // 0.4 of a line from line 400
+  EXPECT_NEAR(AngleDifference(phase[1], 45), 0, 1);
+  EXPECT_EQ(amplitude[3], 0);  // nothing at 300 Hz
+  EXPECT_EQ(amplitude[4], 0);  // 600 Hz lies past the last line
+  EXPECT_EQ(amplitude[5], 0);
+  EXPECT_EQ(phase[5], 0);
+  EXPECT_TRUE(amplitude.guardIntact() && phase.guardIntact());
+}
+
+TEST(EngineSpectrum, ConstantComponentStaysOrGoesAsAsked) {
+  Store store(kRowsUsed);
+  store.fill(1, kRowsUsed, [](int32_t row) { return -500 + Sine(row, 100, 2000, 0); });
+  Request keep;
+  keep.removeConstant = 0;
+  Spectrum s = Analyse(store, keep);
+  EXPECT_NEAR(s.amplitude[0], 500, 0.5);
+  EXPECT_NEAR(s.real[0], -500, 0.5);
+  EXPECT_NEAR(s.amplitude[800], 2000, 20);
+  s = Analyse(store, {});
+  EXPECT_NEAR(s.amplitude[0], 0, 1e-6);
+  EXPECT_NEAR(s.amplitude[800], 2000, 20);
+}
+
+TEST(EngineSpectrum, NyquistAlternationShowsOnTheLastLine) {
+  Store store(1024);
+  store.fill(1, 1024, [](int32_t row) { return row % 2 ? 1000 : -1000; });
+  Request r;
+  r.last = 1024;
+  const Spectrum s = Analyse(store, r);
+  ASSERT_EQ(s.lines, 512);
+  EXPECT_NEAR(s.amplitude[511], 2000, 1e-6);  // peak-to-peak of +-1000
+  EXPECT_NEAR(s.amplitude[100], 0, 1e-6);
+}
+
+TEST(EngineSpectrum, BlocksAverageAndFollowTheBlockRule) {
+  Store store(kRowsUsed);
+  // 64 Hz is line 16 of a 256-sample block.
+  store.fill(1, kRowsUsed, [](int32_t row) { return Sine(row, 64, 3000, 120); });
+  Request r;
+  r.block = 256;
+  Spectrum s = Analyse(store, r);
+  EXPECT_EQ(s.lines, 128);
+  EXPECT_DOUBLE_EQ(s.step, 4.0);
+  EXPECT_NEAR(s.amplitude[16], 3000, 30);
+  EXPECT_NEAR(AngleDifference(s.phase[16], 120), 0, 1);
+  // A block longer than the stretch gives one block over the stretch.
+  r.block = 2048;
+  r.last = 1024;
+  s = Analyse(store, r);
+  EXPECT_EQ(s.lines, 512);
+  EXPECT_DOUBLE_EQ(s.step, 1.0);
+}
+
+TEST(EngineSpectrum, SelectionWinsOverTheView) {
+  Store store(kRowsUsed);
+  store.fill(1, kRowsUsed, [](int32_t row) { return row > 4096 ? Sine(row, 64, 3000, 0) : 0.0; });
+  Request r;
+  r.selectFirst = 4097;
+  r.selectLast = 8192;
+  Spectrum s = Analyse(store, r);
+  EXPECT_NEAR(s.amplitude[256], 3000, 30);  // 4096 rows: lines 0.25 Hz apart
+  r.selectFirst = r.selectLast = 0;
+  s = Analyse(store, r);
+  EXPECT_NEAR(s.amplitude[512], 1500, 30);
+}
+
+TEST(EngineSpectrum, TransformOfImpulseAndSineThroughFFT) {
+  std::vector<double> re(64, 0.0), im(64, 0.0);
+  re[1] = 1.0;
+  FFT(re.data(), im.data(), 64, 1, 0);
+  for (int k = 0; k < 64; ++k) {
+    EXPECT_NEAR(re[k], std::cos(2 * kPi * k / 64), 1e-12);
+    EXPECT_NEAR(im[k], -std::sin(2 * kPi * k / 64), 1e-12);
+  }
+  FFT(re.data(), im.data(), 64, -1, 0);
+  EXPECT_NEAR(re[1], 1.0, 1e-12);
+  EXPECT_NEAR(re[2], 0.0, 1e-12);
+
+  // Plain (unwindowed) amplitude spectrum of a sine on line 8 plus DC 100.
+  for (int i = 0; i < 64; ++i) {
+    re[i] = 100 + 400 * std::sin(2 * kPi * 8 * i / 64);
+    im[i] = 0;
+  }
+  FFT(re.data(), im.data(), 64, 1, 0);
+  Guarded<double> amplitude(32, kSentinelValue);
+  int32_t largest = 0;
+  AccountSpectr(re.data(), im.data(), amplitude.data(), 0, 2.5f, &largest, 64);
+  EXPECT_NEAR(amplitude[0], 50, 1e-9);   // 100 codes * 1.25 / 2.5
+  EXPECT_NEAR(amplitude[8], 400, 1e-9);  // peak-to-peak 800 codes
+  EXPECT_EQ(largest, 400);
+  EXPECT_TRUE(amplitude.guardIntact());
+}
+
+TEST(EngineSpectrum, IntegrationDividesByTheAngularFrequency) {
+  std::vector<double> a(100);
+  for (int k = 0; k < 100; ++k) a[k] = 2 * kPi * k * 0.5;
+  int32_t largest = 0;
+  IntegralSpectr(a.data(), 100, 0.5, &largest);
+  EXPECT_EQ(a[0], 0.0);
+  for (int k = 1; k < 100; ++k) EXPECT_NEAR(a[k], 1.0, 1e-12);
+  EXPECT_EQ(largest, 1);
+}
