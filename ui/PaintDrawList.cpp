@@ -152,6 +152,14 @@ void PaintDrawList(QPainter& painter, const views::DrawList& list, const QFont& 
   painter.restore();
 }
 
+void PaintDrawListItems(QPainter& painter, const views::DrawList& list, const QFont& font) {
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing, false);
+  const Painter visitor{painter, font};
+  for (const views::Primitive& item : list.items) std::visit(visitor, item);
+  painter.restore();
+}
+
 void PaintDrawList(QPaintDevice& device, const views::DrawList& list, const QFont& font) {
   QPainter painter(&device);
   PaintDrawList(painter, list, font);

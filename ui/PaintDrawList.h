@@ -25,6 +25,8 @@ views::BgrColor ToBgr(const QColor& color);
 // Text without a point size of its own uses `font`.
 void PaintDrawList(QPainter& painter, const views::DrawList& list, const QFont& font);
 void PaintDrawList(QPaintDevice& device, const views::DrawList& list, const QFont& font);
+// The items alone, over whatever the painter's device shows already.
+void PaintDrawListItems(QPainter& painter, const views::DrawList& list, const QFont& font);
 
 // The list as an opaque image of list.width x list.height pixels.
 QImage RenderDrawList(const views::DrawList& list, const QFont& font);

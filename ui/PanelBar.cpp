@@ -105,10 +105,11 @@ std::vector<QRect> PanelBar::layoutPanels() const {
   int fixed = 0, stretchCount = 0;
   for (size_t i = 0; i < panels_.size(); ++i) {
     if (!panels_[i].visible) continue;
-    widths[i] = std::max(panels_[i].minWidthPx, fm.horizontalAdvance(panels_[i].text) + 2 * kPaddingPx);
     if (panels_[i].stretch) {
+      widths[i] = panels_[i].minWidthPx;
       ++stretchCount;
     } else {
+      widths[i] = std::max(panels_[i].minWidthPx, fm.horizontalAdvance(panels_[i].text) + 2 * kPaddingPx);
       fixed += widths[i];
     }
   }
@@ -160,7 +161,7 @@ void PanelBar::paintEvent(QPaintEvent*) {
     p.setPen(pal.color(panel.enabled ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
     const QRect textRect = r.adjusted(kPaddingPx, 0, -kPaddingPx / 2, 0);
     p.drawText(textRect, Qt::AlignVCenter | Qt::AlignLeft,
-               fontMetrics().elidedText(panel.text, Qt::ElideRight, textRect.width()));
+               fontMetrics().elidedText(panel.text, panel.elide, textRect.width()));
   }
 }
 

@@ -18,8 +18,9 @@ class PanelBar : public QWidget {
     QString toolTip;
     bool visible = true;
     bool enabled = true;
-    bool stretch = false;  // takes the width the others leave
+    bool stretch = false;  // takes the width the others leave, eliding its text
     int minWidthPx = 0;
+    Qt::TextElideMode elide = Qt::ElideRight;
   };
 
   explicit PanelBar(QWidget* parent = nullptr);

@@ -48,9 +48,10 @@ StartWindow::StartWindow(int picture, int waitMs, QWidget* parent)
                       QColor(220, 230, 250));
   lblVer_->setGeometry(370, 28, 170, 24);
   lblVer_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  lblRemark_ = MakeLabel(this, QStringLiteral("Комплекс наблюдения\nза гидроагрегатом"), 15, true,
+  lblRemark_ = MakeLabel(this, QStringLiteral("Комплекс наблюдения за гидроагрегатом"), 14, true,
                          QColor(30, 40, 70));
-  lblRemark_->setGeometry(370, 80, 175, 60);
+  lblRemark_->setGeometry(366, 78, 180, 64);
+  lblRemark_->setWordWrap(true);
   lblPropertyMain_ = MakeLabel(this, caption.description, 13, false, QColor(60, 60, 70));
   lblPropertyMain_->setGeometry(370, 200, 175, 40);
   lblPropertyMain_->setWordWrap(true);

@@ -197,19 +197,6 @@ std::array<QString, kMainPanelCount> MainStatusTexts(const AppState& s, const Vo
   return t;
 }
 
-QString ShortenPathMiddle(const QString& path, int maxChars) {
-  static constexpr int kEllipsisChars = 5;  // " ... "
-  if (path.size() <= maxChars || maxChars <= kEllipsisChars + 2) return path;
-  const int keep = maxChars - kEllipsisChars;
-  const int head = keep / 2;
-  const int tail = keep - head;
-  return path.left(head) + QStringLiteral(" ... ") + path.right(tail);
-}
-
-QString RecentFileCaption(int number, const QString& path, int maxChars) {
-  return QStringLiteral("&%1 %2").arg(number).arg(ShortenPathMiddle(path, maxChars));
-}
-
 bool HasData(const AppState& s) { return !s.PathFileData.isEmpty() || !s.DataSaved; }
 
 }  // namespace aqx::ui

@@ -94,7 +94,7 @@ std::vector<int> SelectActiveChannel(AppState& s, int channel);
 std::vector<int> FlipImposition(AppState& s);
 
 // ---------------------------------------------------------------------------
-// Main status bar and recent files.
+// Main status bar.
 // ---------------------------------------------------------------------------
 
 enum class MainPanel { DateTime, Station, Agregat, Mode, Type, Place, kCount };
@@ -103,11 +103,6 @@ inline constexpr int kMainPanelCount = static_cast<int>(MainPanel::kCount);
 std::array<QString, kMainPanelCount> MainStatusTexts(const AppState& s, const Vocabulary& vocab);
 // RecordDate (days since 30 December 1899) as date and time, "" for 0.
 QString RecordDateText(double recordDate);
-
-// "&k path", a long path shortened in the middle by " ... " to maxChars.
-QString RecentFileCaption(int number, const QString& path, int maxChars = 60);
-// A path shortened in the middle to fit maxChars (the status bar's path panel).
-QString ShortenPathMiddle(const QString& path, int maxChars);
 
 // ---------------------------------------------------------------------------
 // Command enabling (RefreshToolbarMainMenu, ActivateElements).

@@ -155,16 +155,6 @@ TEST(Workspace, StatusTextsAndHiddenEmptyPanels) {
   EXPECT_TRUE(ui::RecordDateText(0.0).isEmpty());
 }
 
-TEST(Workspace, RecentCaptionsShortenLongPathsInTheMiddle) {
-  EXPECT_EQ(ui::RecentFileCaption(3, QStringLiteral("/a/b.aqx")), QStringLiteral("&3 /a/b.aqx"));
-  const QString longPath = QStringLiteral("/home/user/") + QString(80, QLatin1Char('x')) + QStringLiteral("/rec.aqx");
-  const QString shortened = ui::ShortenPathMiddle(longPath, 40);
-  EXPECT_EQ(shortened.size(), 40);
-  EXPECT_TRUE(shortened.startsWith(QStringLiteral("/home/user/")));
-  EXPECT_TRUE(shortened.endsWith(QStringLiteral("/rec.aqx")));
-  EXPECT_TRUE(shortened.contains(QStringLiteral(" ... ")));
-}
-
 TEST(Workspace, FileFiltersBecomeQtFilters) {
   EXPECT_EQ(ui::ToQtFileFilter(QStringLiteral("Все поддерживаемые типы|*.rsl;*.zrk;*.aqx;*.wav|Aquilonix (*.aqx)|*.aqx|Все файлы (*.*)|*.*")),
             QStringLiteral("Все поддерживаемые типы (*.rsl *.zrk *.aqx *.wav);;Aquilonix (*.aqx);;Все файлы (*.*)"));
