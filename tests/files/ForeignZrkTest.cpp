@@ -25,7 +25,7 @@ const QByteArray kTpVb("\xD2\xCF \xC2\xC1");
 
 constexpr int kBlockHead = 668;  // 1+1+80+1+1+4+20+4+4+40+53+459
 
-struct ZrkSpec {
+struct ZrkShape {
   int channels = 1;
   int32_t samples = 8;
   int16_t polus = 72;
@@ -34,7 +34,7 @@ struct ZrkSpec {
 };
 
 // Header fields at their literal offsets.
-FileBytes ZrkHeader(const ZrkSpec& z) {
+FileBytes ZrkHeader(const ZrkShape& z) {
   FileBytes f(1417);
   f.putRaw(0, QByteArray(16, 'x'));
   f.put8(16, static_cast<unsigned>(kStation.size())).putRaw(17, kStation + "TAIL");
@@ -98,7 +98,7 @@ class ZrkTest : public ::testing::Test {
 };
 
 TEST_F(ZrkTest, HeaderChannelsAndSamplesComeFromTheirOffsets) {
-  ZrkSpec z;
+  ZrkShape z;
   z.channels = 2;
   FileBytes f = ZrkHeader(z);
   // Marks in half samples: 6 -> row 3, 9 -> 4.5 -> row 4 (half to even).
@@ -184,7 +184,7 @@ TEST_F(ZrkTest, HeaderChannelsAndSamplesComeFromTheirOffsets) {
 }
 
 TEST_F(ZrkTest, FortyThousandSamplesAreThinnedTo32768Rows) {
-  ZrkSpec z;
+  ZrkShape z;
   z.samples = 40000;
   z.rotorHz = 2.0f;
   z.numberRotorRecord = 10;
@@ -229,7 +229,7 @@ TEST_F(ZrkTest, ZeroOrNegativePolusIsDerivedFromTheRotorFrequency) {
     int want;
   } cases[] = {{0, 1.5f, 67}, {-4, 2.5f, 40}, {0, 40.0f, 2} /* 2.5 to even */, {48, 1.5f, 48}};
   for (const auto& c : cases) {
-    ZrkSpec z;
+    ZrkShape z;
     z.polus = c.polus;
     z.rotorHz = c.hz;
     FileBytes f = ZrkHeader(z);
@@ -250,7 +250,7 @@ TEST_F(ZrkTest, KeptProbeTableSurvivesTheLoad) {
 }
 
 TEST_F(ZrkTest, ShortOrDamagedFilesAreRefusedAndChangeNothing) {
-  auto good = [](ZrkSpec z = {}) {
+  auto good = [](ZrkShape z = {}) {
     FileBytes f = ZrkHeader(z);
     for (int i = 0; i < z.channels; ++i)
       PutBlock(f, 1416 + i * (kBlockHead + z.samples), i + 1, 0, 1.0f, 1.0f,
@@ -263,7 +263,7 @@ TEST_F(ZrkTest, ShortOrDamagedFilesAreRefusedAndChangeNothing) {
     return QStringLiteral("Файл rec.zrk не является файлом системы ЗОР-16 или повреждён: %1.")
         .arg(QString::fromUtf8(reason));
   };
-  ZrkSpec two;
+  ZrkShape two;
   two.channels = 2;
   const struct {
     const char* what;
