@@ -126,7 +126,7 @@ bool SaveBytes(const QString& path, const QByteArray& bytes, Prompts& prompts, c
 QByteArray BuildWaveBytes(const AppState& state, std::span<const int> channels, int sampleCount,
                           int samplesPerSecond) {
   const uint32_t count = static_cast<uint32_t>(channels.size());
-  const uint32_t frames = static_cast<uint32_t>(std::max(0, sampleCount));
+  const uint32_t frames = static_cast<uint32_t>(std::clamp(sampleCount, 0, kMaxSamples));
   const uint32_t dataBytes = count * frames * 2;
   WaveHeader h;
   h.riffTag = "RIFF";
