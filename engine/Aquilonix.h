@@ -38,18 +38,40 @@ AQX_API int32_t MainInfoE140(char* buffers);
 
 /* ---- Continuous acquisition (cyclic mode) ---------------------------- */
 
+/* The module behind these functions is the built-in virtual module unless
+ * AQX_MODULE=replay (AQX_REPLAY_FILE names the .aqx file to play); both are
+ * steered by the AQX_VIRTUAL_* environment variables listed in
+ * engine/acquisition/ModuleSettings.cpp.
+ *
+ * StartPotok: opens the module, sets the channel table (the channels with
+ * Channel = 1 among the first 16 or 32, ranges from Volume), a clock divider
+ * for FreqDescR per channel and the synchronisation (SynchroAdChannel from
+ * 1), starts the acquisition thread and returns once the module runs.
+ * FreqDescR comes back as the rate the module really runs at, ModuleText
+ * (17 bytes) as "E140 <serial>". BufferLength is the rows per transfer. */
 AQX_API int32_t StartPotok(int32_t ChannelUsedCount, const int32_t* Channel, const int32_t* Volume,
                            int32_t SignalDataN, int32_t* FreqDescR, int32_t BufferLength,
                            int32_t InputMode, int32_t SynchroAdType, int32_t SynchroAdMode,
                            int32_t SynchroAdChannel, int32_t SynchroAdPorog, char* ModuleText,
                            int32_t ChannelDifferential);
+/* The newest SignalDataN rows into the channels' columns (rows 1.. hold the
+ * rows acquired so far, the rest of the cycle is zero until it is full).
+ * Never waits for the module. */
 AQX_API void CopySignalData(int16_t* SignalData);
+/* Stops the module and the thread; a failure of the thread (20) is told
+ * here when the stop itself went well. */
 AQX_API int32_t StopPotok(void);
-/* ChannelMeans: 32 doubles. */
+/* Outside any run: acquires `rows` rows of every channel (the ranges and the
+ * connection of the last start) and writes the 32 mean codes. */
 AQX_API int32_t ReadDataChannels(double* ChannelMeans, int32_t rows);
 
 /* ---- Continuous recording to a file ---------------------------------- */
 
+/* Starts the module and the recording thread, which appends raw rows of the
+ * channels that are on, interleaved in ascending channel order, to the file
+ * behind its first headerBytes bytes; the header region is never changed.
+ * The data reach the disk at least twice a second. SolidClerData non-zero
+ * drops rows already behind the header; otherwise new rows follow them. */
 AQX_API int32_t ReadDataToFile(const char* fileName, int32_t headerBytes, int32_t RecordBuffer,
                                int32_t maxModuleFrequencyHz, double frequencyKHz,
                                int32_t ChannelUsedCount, const int32_t* Channel,
@@ -58,18 +80,31 @@ AQX_API int32_t ReadDataToFile(const char* fileName, int32_t headerBytes, int32_
                                int32_t SynchroAdPorog, char* ModuleText,
                                int32_t ChannelDifferential, int32_t maxRows,
                                int32_t SolidClerData);
+/* The block being written (maxRows rows a block, as at the start) into
+ * SignalData: its rows so far, then zeros; SolidBlockCount and SolidBlockN
+ * both become the number of that block. */
 AQX_API void CopySignalDataDllRDTF(int16_t* SignalData, int32_t maxRows, int32_t* SolidBlockCount,
                                    int32_t* SolidBlockN, const int32_t* Channel);
+/* 0 while the recording runs; once it has ended by itself, the error number
+ * (27 the file could not be written, 20 the module failed). */
 AQX_API int32_t EndRDTF(void);
+/* Ends the recording and closes the file; the number of a failure of the
+ * thread when the stop itself went well. */
 AQX_API int32_t StopRDTF(void);
+/* Size of the recorded file in bytes (after the stop, of the last one). */
 AQX_API double InformationFileData(void);
+/* Reads SignalDataN rows of block blockNumber (from 1; it begins at row
+ * (blockNumber-1) * SignalDataN * SolidBlockM of the file), every
+ * SolidBlockM-th row, behind dataOffset header bytes. Rows past the end of
+ * the file come back as zeros. */
 AQX_API int32_t ReadSolidBlock(int32_t SignalDataN, int32_t ChannelUsedCount, int32_t dataOffset,
-                               int32_t firstSample, const char* fileName,
+                               int32_t blockNumber, const char* fileName,
                                int32_t ChannelDifferential, const int32_t* Channel,
                                int16_t* SignalData, int32_t SolidBlockM);
 
 /* ---- Digital lines --------------------------------------------------- */
 
+/* The output lines keep their state between calls. */
 AQX_API int32_t DigitalLinesEnableTtlOut(int32_t enable);
 AQX_API int32_t DigitalLinesTtlIn(int32_t* state);
 AQX_API int32_t DigitalLinesTtlOut(int32_t state);

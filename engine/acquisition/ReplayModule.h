@@ -1,0 +1,78 @@
+#pragma once
+// A recorded .aqx file played back in real time as if it came from the
+// module: the channels of the channel table that the file holds carry its
+// codes, the others zeros, at the file's sampling rate, over and over.
+
+#include "engine/acquisition/AcquisitionModule.h"
+#include "engine/acquisition/ModuleSettings.h"
+#include "engine/acquisition/VirtualModule.h"
+
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <vector>
+
+namespace aqx::acq {
+
+// What the replay needs from a data file of the current layout.
+struct ReplaySource {
+  int headerBytes = 0;
+  bool solid = false;
+  double perChannelRateHz = 0.0;
+  int64_t rows = 0;
+  std::array<int, kSingleEndedChannels> fileColumn{};  // -1 when not in the file
+  int columns = 0;
+  std::vector<int16_t> channelMajor;  // an ordinary file, whole
+  int fd = -1;                        // a solid file, read as it plays
+};
+
+class ReplayModule : public AcquisitionModule {
+ public:
+  ReplayModule(const ModuleSettings& settings, VirtualLines& lines);
+  ~ReplayModule() override;
+  ReplayModule(const ReplayModule&) = delete;
+  ReplayModule& operator=(const ReplayModule&) = delete;
+
+  bool checkDriverVersion() override { return true; }
+  bool createInterface() override { return true; }
+  bool openDevice() override;
+  bool readDeviceHandle() override { return true; }
+  bool readName(std::string& name) override;
+  bool readUsbSpeed(int& highSpeed) override;
+  bool readDescription(ModuleDescription& description) override;
+  bool readParameters(AdcParameters& parameters) override;
+  bool writeParameters(AdcParameters& parameters) override;
+  bool start() override;
+  bool readRows(int16_t* codes, int rows) override;
+  bool stop() override;
+  bool cancelRequests() override;
+  bool release() override;
+  bool enableTtlOut(bool enable) override;
+  bool ttlIn(uint16_t& state) override;
+  bool ttlOut(uint16_t state) override;
+  std::string backendText() const override;
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  bool waitUntil(Clock::time_point deadline);
+  bool fileRows(int64_t first, int count, std::vector<int16_t>& out);
+
+  ModuleSettings settings_;
+  VirtualLines& lines_;
+  ReplaySource source_;
+  AdcParameters parameters_;
+  std::mutex mutex_;
+  std::condition_variable wake_;
+  bool running_ = false;
+  bool cancelled_ = false;
+  Clock::time_point startTime_{};
+  int64_t rowsDelivered_ = 0;
+  std::vector<int16_t> fileBuffer_;
+};
+
+// Reads the header fields the replay needs; false for anything that is not a
+// data file of the current layout.
+bool OpenReplaySource(const std::string& path, ReplaySource& source);
+
+}  // namespace aqx::acq
