@@ -40,6 +40,24 @@ void WaitForRows(int16_t* store, int channel, int64_t row, int timeoutMs = 10000
   }
 }
 
+// Speed the engine's shaft marker detector sees on channel 1 of a copy.
+struct Speed {
+  int32_t marks = 0;
+  double minRpm = 0.0, maxRpm = 0.0;
+};
+Speed MarkerSpeed(const int16_t* store, const std::array<int32_t, 32>& on, int32_t rows,
+                  int32_t freqDesc, double ratedRpm) {
+  std::array<int32_t, 32> type{};
+  type[0] = 3;
+  std::vector<int32_t> marks(AQX_MAX_SHAFT_MARKS);
+  Speed speed;
+  int32_t percentMin = 0, percentMax = 0, level = 0, direct = 1;
+  Otmetchick(store, rows, on.data(), type.data(), &speed.marks, marks.data(), freqDesc, ratedRpm,
+             &speed.minRpm, &speed.maxRpm, &percentMin, &percentMax, 1, &level, &direct, 1, rows, 0,
+             0, 0, 0);
+  return speed;
+}
+
 // Sample numbers where the marker code rises through the threshold.
 std::vector<int64_t> RisingEdges(const int16_t* store, int channel, int64_t rows, int threshold) {
   std::vector<int64_t> edges;
@@ -62,6 +80,11 @@ TEST(AcquisitionCyclic, MarkerShowsTheConfiguredSpeedOnTheCopiedCycle) {
   CopySignalData(store.get());
   ASSERT_EQ(StopPotok(), 0);
 
+  // The detector of the program sees the unit's speed on the copied cycle.
+  const Speed speed = MarkerSpeed(store.get(), On({1, 2, 3, 4}), 16384, freq, 600.0);
+  EXPECT_GE(speed.marks, 30);
+  EXPECT_NEAR(speed.minRpm, 600.0, 0.6);
+  EXPECT_NEAR(speed.maxRpm, 600.0, 0.6);
   // 600 rev/min is 10 revolutions a second: one pulse every 500 samples.
   const auto edges = RisingEdges(store.get(), 1, 16384, 2000);
   ASSERT_GE(edges.size(), 30u);
@@ -80,6 +103,10 @@ TEST(AcquisitionCyclic, SpeedWandersSlightlyAroundTheNominalSpeed) {
   WaitForRows(store.get(), 2, 65535);
   CopySignalData(store.get());
   ASSERT_EQ(StopPotok(), 0);
+  const Speed speed = MarkerSpeed(store.get(), On({1, 2}), 65536, freq, 1500.0);
+  EXPECT_GE(speed.minRpm, 1470.0);
+  EXPECT_LE(speed.maxRpm, 1530.0);
+  EXPECT_GT(speed.maxRpm - speed.minRpm, 0.5);  // it does wander
   const auto edges = RisingEdges(store.get(), 1, 65536, 2000);
   ASSERT_GE(edges.size(), 30u);
   // 25 revolutions a second at 50 kHz: 2000 samples, within the 2 % wander.
