@@ -4,6 +4,7 @@ namespace aqx::tool {
 
 // One declaration and one row per command.
 int RunVersion(ToolContext& ctx);
+int RunRender(ToolContext& ctx);
 int RunInfo(ToolContext& ctx);
 int RunDump(ToolContext& ctx);
 int RunConvert(ToolContext& ctx);
@@ -13,6 +14,7 @@ int RunConfig(ToolContext& ctx);
 namespace {
 const ToolCommand kCommands[] = {
     {"version", "version                      program version", RunVersion},
+    {"render", "render signal FILE OUT.png [--width W --height H --channel C --first A --last B]  signal view as a picture", RunRender},
     {"info", "info FILE [--json]           header and channel table of a recording", RunInfo},
     {"dump", "dump FILE --channel C [--first A] [--last B]  codes of one channel, one per line", RunDump},
     {"convert", "convert IN OUT               any readable file to a data file of the current layout", RunConvert},

@@ -30,6 +30,8 @@ struct ToolCommand {
 };
 
 std::span<const ToolCommand> CommandTable();
+// Commands that paint pictures run under a GUI application object.
+bool CommandNeedsGui(const QString& name);
 
 // Small argument helpers: "--name value" options and positional arguments.
 QString OptionValue(const QStringList& args, const QString& name, const QString& fallback = {});

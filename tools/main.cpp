@@ -1,6 +1,9 @@
 #include "tools/ToolCommand.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
+
+#include <memory>
 
 using namespace aqx::tool;
 
@@ -10,10 +13,31 @@ void PrintUsage(FILE* stream) {
   for (const ToolCommand& c : CommandTable())
     Print(stream, QStringLiteral("  ") + QString::fromUtf8(c.usage) + QLatin1Char('\n'));
 }
+
+// The command's name: the first argument that is not --settings FILE.
+QString CommandName(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    if (QByteArray(argv[i]) == "--settings") {
+      ++i;
+      continue;
+    }
+    return QString::fromLocal8Bit(argv[i]);
+  }
+  return {};
+}
+
+// Painting needs a GUI application; without a display it draws offscreen.
+std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv) {
+  if (!CommandNeedsGui(CommandName(argc, argv))) return std::make_unique<QCoreApplication>(argc, argv);
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
+      qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  return std::make_unique<QGuiApplication>(argc, argv);
+}
 }  // namespace
 
 int main(int argc, char** argv) {
-  QCoreApplication app(argc, argv);
+  const std::unique_ptr<QCoreApplication> app = MakeApplication(argc, argv);
   QCoreApplication::setApplicationName(QStringLiteral("Aquilonix"));
   QStringList args = QCoreApplication::arguments().mid(1);
   ToolContext ctx;

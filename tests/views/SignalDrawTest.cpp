@@ -79,7 +79,9 @@ TEST_F(DcRecording, UnplacedZeroLineGoesToMidHeightAndStays) {
 
 TEST_F(DcRecording, TimeGridStepsByTheNiceStepFromTheScrollPosition) {
   o.ScaleY = false;
-  const DrawList list = Draw(*s, o, v);
+  FontMetrics narrow;
+  narrow.charWidth = 1;
+  const DrawList list = DrawSignal(*s, o, v, narrow);
   // 0.1 s in view gives 0.01 s ticks, 20 px apart, the first one pixel left
   // of sample 1.
   std::vector<Line> grid = LinesOf(list, kGrid);
@@ -98,6 +100,17 @@ TEST_F(DcRecording, TimeGridStepsByTheNiceStepFromTheScrollPosition) {
   EXPECT_EQ(labels[1].utf8, "0:00:00.010");
   EXPECT_EQ(labels[1].x, 19);
   EXPECT_EQ(labels[1].y, kH - FontMetrics{}.lineHeight - 1);
+}
+
+TEST_F(DcRecording, TimeLabelsThatWouldOverlapAreLeftOutButTheirTicksStay) {
+  o.ScaleY = false;
+  const FontMetrics fm;  // 7 px a character: "0:00:00.010" needs 77 px
+  const DrawList list = DrawSignal(*s, o, v, fm);
+  EXPECT_EQ(LinesOf(list, kGrid).size(), 11u);
+  const auto labels = ItemsOf<Text>(list);
+  ASSERT_GE(labels.size(), 2u);
+  for (size_t i = 1; i < labels.size(); ++i)
+    EXPECT_GE(labels[i].x, labels[i - 1].x + fm.widthOf(labels[i - 1].utf8));
 }
 
 TEST_F(DcRecording, LevelGridStepsATenthOfTheHeightAndAFifthOfTheScale) {

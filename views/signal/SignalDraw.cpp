@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace aqx::views {
 
@@ -73,11 +74,17 @@ void DrawTimeGrid(const AppState& s, const SignalViewOptions& o, const SignalVie
   double t = firstTick * step;
   const double offset = ClockOffsetSeconds(s, o);
   const Pen pen = MakePen(o.colors.ColorGrid, 1, DashStyle::Dot);
+  int labelEnd = std::numeric_limits<int>::min();
   for (double x = stepPx - RoundHalfEven(origin * pps - freq * pps * t); x <= v.W; x += stepPx) {
     t += step;
     const int xi = RoundHalfEven(x);
     list.add(Line{xi, 0, xi, v.H, pen});
-    list.add(MakeText(xi + 1, v.H - fm.lineHeight - 1, TimeText(t + offset), o.colors.ColorText));
+    // A label that would run into the one before it is left out; the tick
+    // stays.
+    const QString label = TimeText(t + offset);
+    if (xi + 1 < labelEnd) continue;
+    list.add(MakeText(xi + 1, v.H - fm.lineHeight - 1, label, o.colors.ColorText));
+    labelEnd = xi + 1 + fm.widthOf(label.toStdString()) + fm.charWidth;
   }
 }
 
@@ -97,18 +104,25 @@ void DrawUserMarkers(const AppState& s, const SignalViewState& v, const FontMetr
   }
 }
 
-void DrawLevelGrid(const AppState& s, const SignalViewOptions& o, const SignalViewState& v, int channel,
-                   DrawList& list) {
+void DrawLevelGrid(const AppState& s, const SignalViewOptions& o, const SignalViewState& v, const FontMetrics& fm,
+                   int channel, DrawList& list) {
   const int stepPx = std::max(1, RoundHalfEven(v.H / 10.0));
   const int stepUnits = RoundHalfEven(s.channels.ChannelYm[channel] / 5.0);
   const double divisor = s.UnitDivisor != 0.0 ? s.UnitDivisor : 1.0;
   const int64_t y0 = s.channels.ChannelY[channel];
   const Pen pen = MakePen(o.colors.ColorGrid, 1, DashStyle::Dot);
+  // Labels sit above their line, below it at the top edge, and keep clear of
+  // the time labels along the bottom.
+  const int labelFloor = o.ScaleX ? v.H - fm.lineHeight - 1 : v.H;
   auto add = [&](int64_t k, int64_t y) {
     const int yi = static_cast<int>(y);
     list.add(Line{0, yi, v.W, yi, pen});
-    list.add(MakeText(2, yi, PlainNumber(static_cast<double>(k * stepUnits) / divisor), o.colors.ColorText,
-                      TextAnchor::BottomLeft));
+    const QString label = PlainNumber(static_cast<double>(k * stepUnits) / divisor);
+    if (yi < fm.lineHeight) {
+      list.add(MakeText(2, yi + 1, label, o.colors.ColorText, TextAnchor::TopLeft));
+    } else if (yi <= labelFloor) {
+      list.add(MakeText(2, yi, label, o.colors.ColorText, TextAnchor::BottomLeft));
+    }
   };
   // Upward from the zero line, positive values, while on the picture.
   for (int64_t k = std::max<int64_t>(1, (y0 - v.H + stepPx - 1) / stepPx);; ++k) {
@@ -164,7 +178,7 @@ void DrawTrace(const AppState& s, const SignalViewState& v, int channel, double 
   } else {
     const int w = std::max(10, v.W);
     std::vector<int32_t> columns;
-    ThinChannel(s, channel, w, channelY, pps, pixelsPerUnit, columns);
+    ThinChannel(s, channel, w, v.H, channelY, pps, pixelsPerUnit, columns);
     trace.xs.reserve(static_cast<size_t>(w) * 2 + 1);
     trace.ys.reserve(static_cast<size_t>(w) * 2 + 1);
     trace.xs.push_back(0);
@@ -247,7 +261,7 @@ DrawList DrawSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v,
     if (c == current) {
       v.PixelsPerUnitFirst = ppu;
       SetChannelUnit(s, s.channels.ChannelYm[c]);
-      if (o.ScaleY) DrawLevelGrid(s, o, v, c, list);
+      if (o.ScaleY) DrawLevelGrid(s, o, v, fm, c, list);
     }
     if (s.channels.Type[c] == 3 && markerChannel != 0) {
       const int markerY = s.channels.ChannelY[markerChannel];

@@ -1,0 +1,127 @@
+// A full ViewRefresh of the signal view with its parameter bar, painted
+// offscreen at 1920 x 1080, against the bare thinning call of the same
+// stretch. Targets: 60 refreshes a second at 32,768 samples, 20 at 1,048,576.
+
+#include "core/AppState.h"
+#include "engine/Aquilonix.h"
+#include "ui/PaintDrawList.h"
+#include "views/Analysis.h"
+#include "views/ViewRefresh.h"
+#include "views/signal/SignalRefresh.h"
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <memory>
+#include <numbers>
+#include <vector>
+
+namespace {
+
+using namespace aqx;
+
+constexpr int kWidthPx = 1920;
+constexpr int kHeightPx = 1080;
+
+// Run-out on channel 1 (1.38 Hz and its harmonics), a marker pulse each
+// revolution on channel 2, 2677 samples a second.
+std::unique_ptr<AppState> Recording(int samples) {
+  auto s = std::make_unique<AppState>();
+  for (int c = 1; c <= kMaxChannels; ++c) s->channels.Channel[c] = s->channels.Active[c] = 0;
+  s->channels.Channel[1] = s->channels.Active[1] = 1;
+  s->channels.Type[1] = 0;
+  s->channels.Ku[1] = 8.0f;
+  s->channels.Channel[2] = 1;
+  s->channels.Type[2] = 3;
+  s->channels.Ku[2] = 1.25f;
+  RecountChannelUsedCount(*s);
+  s->FirstChannelActive = 1;
+  s->SignalDataN = samples;
+  s->ViewFirst = 1;
+  s->ViewLast = samples;
+  s->FreqDesc = 2677;
+  const double revolution = s->FreqDesc / s->FreqOneGarmonic;
+  for (int i = 1; i <= samples; ++i) {
+    const double t = i / static_cast<double>(s->FreqDesc);
+    const double w = 2 * std::numbers::pi * s->FreqOneGarmonic * t;
+    s->SignalData.at(i, 1) = static_cast<int16_t>(std::lround(3000 * std::sin(w) + 400 * std::sin(3 * w) + 50 * std::sin(97 * w)));
+    s->SignalData.at(i, 2) = std::fmod(i, revolution) < 3.0 ? 4000 : 0;
+  }
+  s->ViewOpenFlags[frmViewSignal] = true;
+  return s;
+}
+
+struct Bench {
+  std::unique_ptr<AppState> s;
+  views::SignalViewOptions o;
+  views::SignalViewState v;
+  std::unique_ptr<views::AnalysisResults> r = std::make_unique<views::AnalysisResults>();
+  views::ViewRegistry registry;
+  QImage image{kWidthPx, kHeightPx, QImage::Format_RGB32};
+  QFont font = ui::DefaultViewFont();
+  std::unique_ptr<ui::QtFontMetrics> metrics = std::make_unique<ui::QtFontMetrics>(font);
+  int64_t panels = 0;
+
+  explicit Bench(int samples) : s(Recording(samples)) {
+    v.W = kWidthPx;
+    v.H = kHeightPx;
+    views::InitSignalView(*s, v);
+    views::ConfigSliderH(*s, v);
+    registry.runOn = true;  // no notice window in a benchmark
+    registry.signalStatusBarParameter = true;
+    views::InstallEngineSteps(registry, *s, o, *r);
+    views::SignalWindowHooks hooks;
+    hooks.fm = metrics->metrics();
+    hooks.showPicture = [this](views::DrawList&& list) {
+      QPainter painter(&image);
+      ui::PaintDrawList(painter, list, font);
+    };
+    hooks.showParameterBar = [this](views::ParameterBar&& bar) { panels += static_cast<int64_t>(bar.panels.size()); };
+    hooks.parameterBarWidthPx = [] { return kWidthPx; };
+    views::InstallSignalView(registry, *s, o, v, *r, std::move(hooks));
+  }
+};
+
+void BM_ViewRefreshSignal(benchmark::State& state) {
+  Bench b(static_cast<int>(state.range(0)));
+  for (auto _ : state) {
+    views::ViewRefresh(*b.s, b.registry);
+    benchmark::DoNotOptimize(b.image.constBits());
+  }
+  state.counters["refreshes_per_s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+  state.counters["panels"] = static_cast<double>(b.panels) / static_cast<double>(std::max<int64_t>(1, state.iterations()));
+}
+
+// Baseline: the engine's thinning of the same stretch to the same width.
+void BM_AccountDataBuildSignal(benchmark::State& state) {
+  const int samples = static_cast<int>(state.range(0));
+  auto s = Recording(samples);
+  std::vector<int32_t> columns(static_cast<size_t>(kWidthPx) * 2);
+  const double pixelsPerSample = static_cast<double>(kWidthPx) / samples;
+  for (auto _ : state) {
+    AccountDataBuildSignal(kWidthPx, kHeightPx / 2, pixelsPerSample, 0.05, 1.25, kHeightPx, 0, s->SignalData.data(),
+                           samples, 1, samples, s->channels.Ku.data(), s->channels.Zero.data(), s->channels.Volume.data(),
+                           s->SignalOffset.data(), columns.data());
+    benchmark::DoNotOptimize(columns.data());
+  }
+  state.counters["calls_per_s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+}
+
+BENCHMARK(BM_AccountDataBuildSignal)->Arg(32768)->Arg(1048576)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ViewRefreshSignal)->Arg(32768)->Arg(1048576)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  QGuiApplication app(argc, argv);
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}

@@ -1,0 +1,189 @@
+// aquilonix-tool render signal FILE OUT.png [--width W --height H --channel C
+// --first A --last B]: draws the signal view of a recording without a window,
+// with the view code of the window program, and writes it as a PNG image.
+
+#include "core/Numeric.h"
+#include "files/FileReaders.h"
+#include "tools/ToolCommand.h"
+#include "views/Analysis.h"
+#include "views/parameters/ParameterSteps.h"
+#include "views/signal/SignalView.h"
+
+#if AQX_TOOL_PAINTS
+#include "ui/PaintDrawList.h"
+#endif
+
+#include <QFile>
+#include <QImage>
+
+#include <cmath>
+#include <memory>
+#include <optional>
+
+namespace aqx::tool {
+
+namespace {
+
+constexpr int kDefaultWidthPx = 1024;
+constexpr int kDefaultHeightPx = 600;
+constexpr int kMaxSidePx = 16384;
+
+const QStringList kValueOptions = {QStringLiteral("--width"), QStringLiteral("--height"), QStringLiteral("--channel"),
+                                   QStringLiteral("--first"), QStringLiteral("--last")};
+
+// An integer option within bounds; nullopt (and a message) when it is given
+// but no such number.
+std::optional<int> IntOption(const QStringList& args, const QString& name, int fallback, int low, int high) {
+  const QString text = OptionValue(args, name);
+  if (text.isEmpty() && !args.contains(name)) return fallback;
+  bool ok = false;
+  const int value = text.toInt(&ok);
+  if (!ok || value < low || value > high) {
+    Print(stderr, QStringLiteral("render: %1 takes a whole number from %2 to %3, not '%4'\n")
+                      .arg(name)
+                      .arg(low)
+                      .arg(high)
+                      .arg(text));
+    return std::nullopt;
+  }
+  return value;
+}
+
+// The channel to draw: the one asked for, else the file's current one, else
+// the first channel in use. 0 when the recording has no channel in use.
+int ChooseChannel(AppState& s, int asked) {
+  int c = asked;
+  if (c == 0) {
+    c = s.FirstChannelActive;
+    if (c < 1 || c > ChannelCount(s) || s.channels.Channel[c] != 1) c = FirstUsedChannel(s);
+  }
+  if (c == 0) return 0;
+  if (asked != 0 || !s.Imposition) {
+    for (int k = 1; k <= kMaxChannels; ++k) s.channels.Active[k] = k == c ? 1 : 0;
+  }
+  s.FirstChannelActive = c;
+  return c;
+}
+
+// Zoom and position that show A..B: the deepest power of two whose window
+// still holds the stretch, centred on it.
+void ShowStretch(AppState& s, views::SignalViewState& v, int first, int last) {
+  const int n = std::max(1, s.SignalDataN);
+  const double wanted = static_cast<double>(last) - first + 1.0;
+  int zoom = 0;
+  while (zoom < v.SliderHMax && std::ldexp(static_cast<double>(n), -(zoom + 1)) >= wanted) ++zoom;
+  v.SliderH = zoom;
+  v.CentreSample = RoundHalfEven((static_cast<double>(first) + last) / 2.0);
+  views::ConfigSliderH(s, v);
+}
+
+bool SavePicture(const views::DrawList& picture, const QString& path) {
+#if AQX_TOOL_PAINTS
+  const QImage image = ui::RenderDrawList(picture);
+  // A temporary beside the target, renamed when complete: never a half
+  // written picture under the asked name.
+  const QString temporary = path + QStringLiteral(".part");
+  if (!image.save(temporary, "PNG")) {
+    QFile::remove(temporary);
+    Print(stderr, QStringLiteral("render: cannot write '%1'\n").arg(path));
+    return false;
+  }
+  QFile::remove(path);
+  if (!QFile::rename(temporary, path)) {
+    QFile::remove(temporary);
+    Print(stderr, QStringLiteral("render: cannot write '%1'\n").arg(path));
+    return false;
+  }
+  return true;
+#else
+  (void)picture;
+  (void)path;
+  Print(stderr, QStringLiteral("render: this build has no painter (the window program was left out)\n"));
+  return false;
+#endif
+}
+
+}  // namespace
+
+bool CommandNeedsGui(const QString& name) { return name == QStringLiteral("render"); }
+
+int RunRender(ToolContext& ctx) {
+  const QStringList positionals = Positionals(ctx.args, kValueOptions);
+  if (positionals.size() != 3 || positionals[0] != QStringLiteral("signal")) {
+    Print(stderr, QStringLiteral("usage: aquilonix-tool render signal FILE OUT.png [--width W --height H "
+                                 "--channel C --first A --last B]\n"));
+    return kExitRefused;
+  }
+  const QString input = positionals[1];
+  const QString output = positionals[2];
+  const auto width = IntOption(ctx.args, QStringLiteral("--width"), kDefaultWidthPx, views::kMinPicturePx, kMaxSidePx);
+  const auto height = IntOption(ctx.args, QStringLiteral("--height"), kDefaultHeightPx, views::kMinPicturePx, kMaxSidePx);
+  const auto channel = IntOption(ctx.args, QStringLiteral("--channel"), 0, 1, kMaxChannels);
+  if (!width || !height || !channel) return kExitRefused;
+
+  const FileReadFn read = FindFileReader(StandardFileReaders(), input);
+  if (!read) {
+    Print(stderr, QStringLiteral("render: '%1' is not a file type the program reads (aqx, zrk, rsl, wav)\n").arg(input));
+    return kExitRefused;
+  }
+  auto state = std::make_unique<AppState>();
+  AppState& s = *state;
+  s.PathFileData = input;
+  s.BatchMode = true;
+  if (!read(s, *ctx.prompts)) return kExitRefused;
+  RecountChannelUsedCount(s);
+
+  const auto first = IntOption(ctx.args, QStringLiteral("--first"), 1, 1, std::max(1, s.SignalDataN));
+  const auto last = IntOption(ctx.args, QStringLiteral("--last"), s.SignalDataN, 1, std::max(1, s.SignalDataN));
+  if (!first || !last) return kExitRefused;
+  if (*first > *last) {
+    Print(stderr, QStringLiteral("render: --first %1 lies past --last %2\n").arg(*first).arg(*last));
+    return kExitRefused;
+  }
+  if (*channel != 0 && (*channel > ChannelCount(s) || s.channels.Channel[*channel] != 1)) {
+    Print(stderr, QStringLiteral("render: channel %1 holds no data in '%2'\n").arg(*channel).arg(input));
+    return kExitRefused;
+  }
+  const int shown = ChooseChannel(s, *channel);
+
+  views::SignalViewOptions options;
+  views::SignalViewState view;
+  view.W = *width;
+  view.H = *height;
+  views::InitSignalView(s, view);
+  ShowStretch(s, view, *first, *last);
+  auto analysis = std::make_unique<views::AnalysisResults>();
+  views::AccountSignalMaxAll(s);
+  views::AccountChannelY0(s, options, view);
+  views::SetY0(s, view);
+
+#if AQX_TOOL_PAINTS
+  const ui::QtFontMetrics font(ui::DefaultViewFont());
+  const views::FontMetrics& metrics = font.metrics();
+#else
+  const views::FontMetrics metrics;
+#endif
+  const views::DrawList picture = views::BuildSignal(s, options, view, metrics);
+  if (!SavePicture(picture, output)) return kExitFailure;
+
+  const views::SignalStatus status = views::OutInfoToStatusBar(s, options, view);
+  Print(ctx.out, QStringLiteral("%1: %2 x %3, channel %4, samples %5 - %6 of %7\n")
+                     .arg(output)
+                     .arg(view.W)
+                     .arg(view.H)
+                     .arg(shown)
+                     .arg(s.ViewFirst)
+                     .arg(s.ViewLast)
+                     .arg(s.SignalDataN));
+  Print(ctx.out, status[views::SignalPanel::Window] + status[views::SignalPanel::Scale] +
+                     status[views::SignalPanel::Dimension] + QLatin1Char('\n'));
+  if (shown != 0) {
+    views::AccountChannelSpectrum(s, options, *analysis, shown);
+    views::AccountChannelProbeValues(s, *analysis);
+    const views::ParameterBar bar = views::OutStatusBarParameter(s, options, view, *analysis, view.W);
+    if (!bar.panels.empty()) Print(ctx.out, view.ChannelParameterText[shown] + QLatin1Char('\n'));
+  }
+  return kExitOk;
+}
+
+}  // namespace aqx::tool

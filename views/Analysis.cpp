@@ -1,0 +1,71 @@
+#include "views/Analysis.h"
+
+#include "engine/Aquilonix.h"
+#include "views/signal/SignalEngine.h"
+
+#include <algorithm>
+
+namespace aqx::views {
+
+AnalysisResults::AnalysisResults()
+    : SpectrAmplitude(kSpectrumLines), SpectrPhase(kSpectrumLines), SpectrReal(kSpectrumLines) {}
+
+namespace {
+int ValidChannel(const AppState& s, int channel) { return std::clamp(channel, 1, ChannelCount(s)); }
+}  // namespace
+
+void AccountChannelSpectrum(AppState& s, const SignalViewOptions& o, AnalysisResults& r, int channel) {
+  const int c = ValidChannel(s, channel);
+  const int32_t flag = s.ViewOpenFlags[frmViewSpectr] ? -1 : 0;
+  AccountSpectrFull(nullptr, nullptr, r.SpectrPhase.data(), r.SpectrReal.data(), r.SpectrAmplitude.data(),
+                    s.SelectFirst, s.SelectLast, s.ViewFirst, s.ViewLast, kMaxSamples, s.SignalDataN,
+                    s.SignalData.data(), c, s.SignalOffset.data(), s.channels.Type.data(), o.StatusFilterConst ? 1 : 0,
+                    s.BlockSizeFFT, &s.StepDesc, s.FreqDesc, &s.SpectrLineCount, &r.SpectrMax,
+                    s.channels.Ku.data(), std::clamp(s.ShaftMarkCount, 0, kMaxShaftMarks), s.ShaftMarks.data(), flag);
+  r.SpectrChannel = c;
+}
+
+void AccountChannelVolumeField(AppState& s, AnalysisResults& r, int channel) {
+  const int c = ValidChannel(s, channel);
+  AccountVolumeField(c, s.channels.Ku.data(), s.channels.Type.data(), s.ViewFirst, s.ViewLast, s.SelectFirst,
+                     s.SelectLast, s.SignalData.data(), r.BandMax.data(), r.BandMean.data(), s.SignalDataN, nullptr,
+                     nullptr, nullptr, nullptr, s.StepDesc, s.SpectrLineCount, s.FreqRotorN, s.BlockSizeFFT,
+                     std::clamp(s.ShaftMarkCount, 0, kMaxShaftMarks), s.ShaftMarks.data());
+}
+
+void AccountChannelProbeValues(AppState& s, AnalysisResults& r) {
+  // The probe table as the engine takes it: seven entries per channel in a row.
+  std::array<float, kMaxChannels * kProbeEntries> probeFreq{};
+  for (int c = 1; c <= kMaxChannels; ++c)
+    std::copy(s.channels.ProbeFreq[c].begin(), s.channels.ProbeFreq[c].end(),
+              probeFreq.begin() + (c - 1) * kProbeEntries);
+  AccountProbe(ValidChannel(s, s.FirstChannelActive), s.SpectrLineCount, r.ProbeAmplitude.data(),
+               r.ProbePhase.data(), probeFreq.data(), nullptr, s.channels.Type.data(), s.FreqOneGarmonic, s.StepDesc,
+               r.SpectrAmplitude.data(), r.SpectrPhase.data(), r.SpectrReal.data());
+}
+
+void AccountChannelProbe(AppState& s, const SignalViewOptions& o, AnalysisResults& r, int channel) {
+  AccountChannelSpectrum(s, o, r, channel);
+  AccountChannelVolumeField(s, r, channel);
+  AccountChannelProbeValues(s, r);
+}
+
+void AccountSignalMaxAll(AppState& s) {
+  // Channels past ChannelCount take no part.
+  PerChannel<int32_t> used = s.channels.Channel;
+  for (int c = ChannelCount(s) + 1; c <= kMaxChannels; ++c) used[c] = 0;
+  AccountSignalMax(s.SignalData.data(), s.ViewFirst, std::min(s.ViewLast, s.SignalDataN), s.SignalMaxValue.data(),
+                   used.data(), s.SignalOffset.data(), s.SignalMeanValue.data(), s.SignalCurrentValue.data());
+}
+
+void InstallEngineSteps(ViewRegistry& registry, AppState& s, const SignalViewOptions& o, AnalysisResults& r) {
+  registry[RefreshStep::SpectrumFirst] = [&s, &o, &r] { AccountChannelSpectrum(s, o, r, s.FirstChannelActive); };
+  // The trajectory's second channel; its spectrum replaces the first's in
+  // the arrays, as it always has.
+  registry[RefreshStep::SpectrumNext] = [&s, &o, &r] { AccountChannelSpectrum(s, o, r, s.FirstChannelActive + 1); };
+  registry[RefreshStep::Probe] = [&s, &r] { AccountChannelProbeValues(s, r); };
+  registry[RefreshStep::SignalMax] = [&s] { AccountSignalMaxAll(s); };
+  registry[RefreshStep::Otmetchick] = [&s, &o, &r] { r.speed = RunOtmetchick(s, o); };
+}
+
+}  // namespace aqx::views

@@ -1,0 +1,44 @@
+#include "views/parameters/ParameterSteps.h"
+
+#include "views/signal/SignalEngine.h"
+
+#include <algorithm>
+
+namespace aqx::views {
+
+namespace {
+ParameterReadings ReadingsOf(const AnalysisResults& r) {
+  ParameterReadings readings;
+  readings.BandMax = r.BandMax;
+  readings.BandMean = r.BandMean;
+  readings.ProbeAmplitude = r.ProbeAmplitude[0];
+  readings.ProbePhase = r.ProbePhase[0];
+  return readings;
+}
+}  // namespace
+
+ParameterBar OutStatusBarParameter(AppState& s, const SignalViewOptions& o, SignalViewState& v, AnalysisResults& r,
+                                   int barWidthPx) {
+  AccountChannelVolumeField(s, r, s.FirstChannelActive);
+  return BuildParameterBar(s, o, v, ReadingsOf(r), barWidthPx);
+}
+
+QString OutDataParameters(AppState& s, const SignalViewOptions& o, AnalysisResults& r) {
+  const int c = std::clamp(s.FirstChannelActive, 1, ChannelCount(s));
+  RotorSpeed speed;
+  switch (s.channels.Type[c]) {
+    case 0:
+    case 1:
+      AccountChannelProbe(s, o, r, c);
+      break;
+    case 3:
+      speed = RunOtmetchick(s, o);
+      break;
+    default:
+      AccountSignalMaxAll(s);
+      break;
+  }
+  return ParameterTableText(s, o, ReadingsOf(r), speed);
+}
+
+}  // namespace aqx::views

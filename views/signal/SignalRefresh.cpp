@@ -1,0 +1,32 @@
+#include "views/signal/SignalRefresh.h"
+
+#include "views/parameters/ParameterSteps.h"
+
+#include <memory>
+
+namespace aqx::views {
+
+void InstallSignalView(ViewRegistry& registry, AppState& s, SignalViewOptions& o, SignalViewState& v,
+                       AnalysisResults& r, SignalWindowHooks hooks) {
+  auto h = std::make_shared<SignalWindowHooks>(std::move(hooks));
+  registry[RefreshStep::SignalSetMaxValueMas] = [&s, &v, h] {
+    SetMaxValueMas(s, v);
+    if (h->controlsChanged) h->controlsChanged();
+  };
+  registry[RefreshStep::SignalAccountChannelY0] = [&s, &o, &v, h] {
+    AccountChannelY0(s, o, v);
+    if (h->controlsChanged) h->controlsChanged();
+  };
+  registry[RefreshStep::BuildSignal] = [&s, &o, &v, h] {
+    DrawList picture = BuildSignal(s, o, v, h->fm);
+    if (h->showPicture) h->showPicture(std::move(picture));
+    if (h->showStatus) h->showStatus(OutInfoToStatusBar(s, o, v));
+  };
+  registry[RefreshStep::SignalStatusBarParameter] = [&s, &o, &v, &r, h] {
+    const int width = h->parameterBarWidthPx ? h->parameterBarWidthPx() : 0;
+    ParameterBar bar = OutStatusBarParameter(s, o, v, r, width);
+    if (h->showParameterBar) h->showParameterBar(std::move(bar));
+  };
+}
+
+}  // namespace aqx::views
