@@ -1,0 +1,64 @@
+// aquilonix: the window program. The splash window shows while the start
+// routine runs; the main window then takes over, with the one shared state
+// the program owns for its whole run.
+
+#include "core/AppState.h"
+#include "core/Settings.h"
+#include "core/Startup.h"
+#include "core/Vocabulary.h"
+#include "files/FileReaders.h"
+#include "ui/MainWindow.h"
+#include "ui/QtPrompts.h"
+#include "ui/SplashPictures.h"
+#include "ui/StartWindow.h"
+
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
+
+#include <memory>
+
+int main(int argc, char** argv) {
+  QApplication app(argc, argv);
+  QApplication::setApplicationName(QString::fromLatin1(aqx::kApplicationName));
+  QApplication::setOrganizationName(QString::fromLatin1(aqx::kApplicationName));
+
+  // Standard dialogs (file choice) in Russian where the translations exist.
+  QTranslator qtTranslator;
+  if (qtTranslator.load(QLocale(QLocale::Russian), QStringLiteral("qtbase"), QStringLiteral("_"),
+                        QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+    QApplication::installTranslator(&qtTranslator);
+
+  // The command line is one path, perhaps with blanks, perhaps in quotes.
+  QStringList words = QApplication::arguments();
+  words.removeFirst();
+  const QString commandLine = words.join(QLatin1Char(' '));
+
+  auto state = std::make_unique<aqx::AppState>();
+  aqx::IniSettingsStore store(aqx::DefaultSettingsPath());
+  aqx::ui::QtPrompts prompts;
+  store.setFailureReporter(&prompts);
+  aqx::Vocabulary vocabulary;
+  const aqx::FileReaderTable readers = aqx::StandardFileReaders();
+  std::unique_ptr<aqx::ui::MainWindow> mainWindow;
+
+  aqx::ui::StartWindow splash(aqx::NextStartUpPicture(store, aqx::ui::kSplashPictureCount));
+  QObject::connect(&splash, &aqx::ui::StartWindow::speedLoad, &splash, [&] {
+    splash.setProgress(25);
+    aqx::SpeedLoad(*state, store, vocabulary);
+    splash.setProgress(50);
+    mainWindow = std::make_unique<aqx::ui::MainWindow>(*state, store, prompts, vocabulary, readers);
+    prompts.setOwner(mainWindow.get());
+    mainWindow->load();
+    splash.setProgress(90);
+    mainWindow->show();
+    splash.setProgress(100);
+    mainWindow->loadStartFile(commandLine);
+    splash.close();
+  });
+  splash.show();
+  const int result = QApplication::exec();
+  mainWindow.reset();
+  return result;
+}

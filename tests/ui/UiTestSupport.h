@@ -1,0 +1,44 @@
+#pragma once
+// Recordings and windows for the window tests: a main window over a state and
+// a settings store in memory, answering through scripted prompts.
+
+#include "core/AppState.h"
+#include "core/Prompts.h"
+#include "core/Settings.h"
+#include "core/Vocabulary.h"
+#include "files/FileReaders.h"
+#include "ui/MainWindow.h"
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace aqx::uitest {
+
+// A recording of `samples` samples at 2677 Hz: channel 1 shaft run-out (a
+// 1.38 Hz sine), 2 vibration (50 Hz plus 1.38 Hz), 3 shaft marker (a pulse
+// each revolution), 4 voltage (a slow ramp); `channels` channels in use
+// (1..32), the ones past 4 repeating the pattern.
+void FillRecording(AppState& s, int samples, int channels = 4);
+// The same written to a data file; returns false if it could not be written.
+bool WriteRecording(const QString& path, int samples, int channels = 4);
+
+struct Workbench {
+  Workbench();
+  ~Workbench();
+  Workbench(const Workbench&) = delete;
+  Workbench& operator=(const Workbench&) = delete;
+
+  QString path(const QString& name) const { return dir.filePath(name); }
+
+  QTemporaryDir dir;
+  std::unique_ptr<AppState> state;
+  MemorySettingsStore store;
+  ScriptedPrompts prompts;
+  Vocabulary vocabulary;
+  FileReaderTable readers;
+  std::unique_ptr<ui::MainWindow> window;  // loaded and shown
+};
+
+}  // namespace aqx::uitest

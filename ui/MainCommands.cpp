@@ -1,0 +1,322 @@
+// The commands of frmMain's menus and toolbars, and the view windows they
+// open, arrange and close.
+
+#include "core/ConfigWriters.h"
+#include "core/OpenFile.h"
+#include "files/DataFile.h"
+#include "ui/CopyPicture.h"
+#include "ui/MainWindow.h"
+#include "ui/ParametersWindow.h"
+#include "ui/SignalWindow.h"
+#include "ui/ViewOptions.h"
+#include "ui/Workspace.h"
+
+#include <QAction>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QRandomGenerator>
+#include <QStatusBar>
+#include <QToolBar>
+
+namespace aqx::ui {
+
+// ---------------------------------------------------------------------------
+// File menu.
+// ---------------------------------------------------------------------------
+
+void MainWindow::mnuFileRecord() {}
+
+void MainWindow::mnuFileOpen() {
+  OpenFileContext ctx = context();
+  FileOpenCommand(ctx);
+}
+
+void MainWindow::mnuFileSave() {
+  if (!HasData(s_)) return;
+  if (!SaveDataFileCommand(s_, prompts_)) return;
+  AddNewRecentFile(store_, s_.PathFileData);
+  ReadRecentFile();
+  OutPathFileDataToStatusBar();
+  RefreshToolbarMainMenu();
+}
+
+void MainWindow::mnuFileCopy() {
+  QMdiSubWindow* active = mdi_->activeSubWindow();
+  if (!active) return;
+  if (auto* w = qobject_cast<SignalWindow*>(active->widget())) w->CopyPicture();
+  if (auto* w = qobject_cast<ParametersWindow*>(active->widget())) {
+    PutPictureOnClipboard(w->grab().toImage(), {w->line()});
+  }
+}
+
+void MainWindow::mnuFileRecentFile(int k) {
+  OpenFileContext ctx = context();
+  OpenRecentFileCommand(ctx, k);
+}
+
+void MainWindow::mnuFileExit() { close(); }
+
+// ---------------------------------------------------------------------------
+// View menu.
+// ---------------------------------------------------------------------------
+
+void MainWindow::mnuViewToolbarMain() {
+  s_.options.config.ViewToolbarMain = action(QStringLiteral("mnuViewToolbarMain"))->isChecked();
+  toolbarMain_->setVisible(s_.options.config.ViewToolbarMain);
+  SaveOption(store_, s_, QStringLiteral("Config"), QStringLiteral("ViewToolbarMain"));
+}
+
+void MainWindow::mnuViewToolbarChannels() {
+  s_.options.config.ViewToolbarChannels = action(QStringLiteral("mnuViewToolbarChannels"))->isChecked();
+  toolbarChannels_->setVisible(s_.options.config.ViewToolbarChannels);
+  SaveOption(store_, s_, QStringLiteral("Config"), QStringLiteral("ViewToolbarChannels"));
+}
+
+void MainWindow::mnuViewStatusBar() {
+  s_.options.config.ViewStatusBar = action(QStringLiteral("mnuViewStatusBar"))->isChecked();
+  statusBar()->setVisible(s_.options.config.ViewStatusBar);
+  SaveOption(store_, s_, QStringLiteral("Config"), QStringLiteral("ViewStatusBar"));
+}
+
+void MainWindow::mnuViewSignal() {
+  if (signalWindow()) {
+    closeView(frmViewSignal);
+  } else if (HasData(s_)) {
+    openView(frmViewSignal);
+    ViewRefresh();
+  }
+  RefreshToolbarMainMenu();
+}
+
+void MainWindow::mnuViewParameters() {
+  if (parametersWindow()) {
+    closeView(kParametersWindow);
+  } else if (HasData(s_)) {
+    openView(kParametersWindow);
+    ViewRefresh();
+  }
+  RefreshToolbarMainMenu();
+}
+
+void MainWindow::SelectActiveChannel(int channel) {
+  const std::vector<int> changed = aqx::ui::SelectActiveChannel(s_, channel);
+  {
+    SettingsStore::Batch batch(store_);
+    for (int c : changed) SaveChannelActive(store_, s_, c);
+    SaveFirstChannelActive(store_, s_);
+  }
+  RefreshToolbarChannels();
+  RefreshStatusBar();
+  if (SignalWindow* w = signalWindow()) w->RefreshElementsImposition();
+  ViewRefresh();
+}
+
+void MainWindow::Imposition() {
+  FlipImposition(s_);
+  SaveImposition(store_, s_);
+  RefreshToolbarChannels();
+  RefreshStatusBar();
+  if (SignalWindow* w = signalWindow()) w->RefreshElementsImposition();
+  ViewRefresh();
+}
+
+void MainWindow::mnuViewImposition() { Imposition(); }
+
+void MainWindow::mnuViewStyle(int style) {
+  s_.ViewStyle = style;
+  SaveViewStyle(store_, s_);
+  SetViewStyle();
+  ViewRefresh();
+}
+
+void MainWindow::ColorBack(int set) {
+  auto& kit = s_.options.config.ColorBackKit;
+  if (set < 0 || set >= static_cast<int>(kit.size())) return;
+  if (set == kColorBackSetCount - 1) {
+    // "Случайный": fresh parts each time it is chosen.
+    for (int32_t& part : kit[static_cast<size_t>(set)]) part = QRandomGenerator::global()->bounded(256);
+  }
+  s_.options.config.ColorBackKitSel = set;
+  SaveColorBack(store_, s_);
+  applyBackground();
+  ViewRefresh();
+}
+
+void MainWindow::applyBackground() {
+  const auto& kit = s_.options.config.ColorBackKit;
+  const int set = std::clamp(s_.options.config.ColorBackKitSel, 0, static_cast<int>(kit.size()) - 1);
+  mdi_->setBackground(WorkspaceColorOf(kit[static_cast<size_t>(set)]));
+  for (int k = 0; k < kColorBackSetCount; ++k) action(QStringLiteral("mnuViewColorBack%1").arg(k))->setChecked(k == set);
+}
+
+void MainWindow::ActivateElements(bool run) {
+  measuring_ = run;
+  QAction* record = action(QStringLiteral("mnuFileRecord"));
+  record->setText(run ? QStringLiteral("Останов измерений") : QStringLiteral("Пуск измерений"));
+  record->setToolTip(record->text());
+  RefreshToolbarMainMenu();
+}
+
+// ---------------------------------------------------------------------------
+// The signal view's popup menu.
+// ---------------------------------------------------------------------------
+
+void MainWindow::mnuSignalToggle(const QString& key) {
+  SignalOptions& o = s_.options.signal;
+  bool* const fields[] = {&o.ScaleX,     &o.ScaleY,     &o.LineCenter,         &o.LineZero, &o.OtmetchickLine,
+                          &o.Otmetchick, &o.BeginPoint, &o.StatusBarParameter, &o.Control,  &o.StatusBar};
+  const char* const keys[] = {"ScaleX",     "ScaleY",     "LineCenter",         "LineZero", "OtmetchickLine",
+                              "Otmetchick", "BeginPoint", "StatusBarParameter", "Control",  "StatusBar"};
+  for (size_t i = 0; i < std::size(keys); ++i) {
+    if (key != QLatin1String(keys[i])) continue;
+    *fields[i] = !*fields[i];
+    SaveOption(store_, s_, QStringLiteral("Signal"), key);
+    break;
+  }
+  refreshSignalMenuChecks();
+  if (SignalWindow* w = signalWindow()) w->optionsChanged();
+}
+
+void MainWindow::mnuSignalCursor(int entry) {
+  const views::SignalCursor cursor = entry == 0 ? views::SignalCursor::Free : views::SignalCursor::Bound;
+  if (SignalWindow* w = signalWindow()) {
+    w->SetTypeCursor(cursor);
+  } else {
+    SignalOptions& o = s_.options.signal;
+    o.Cursor = CursorFromSetting(o.Cursor) == cursor ? -1 : CursorSetting(cursor);
+    SaveOption(store_, s_, QStringLiteral("Signal"), QStringLiteral("Cursor"));
+  }
+  refreshSignalMenuChecks();
+}
+
+void MainWindow::mnuSignalCopy() {
+  if (SignalWindow* w = signalWindow()) w->CopyPicture();
+}
+
+// ---------------------------------------------------------------------------
+// Window and help menus.
+// ---------------------------------------------------------------------------
+
+void MainWindow::mnuWindowCascade() { mdi_->cascadeSubWindows(); }
+void MainWindow::mnuWindowTileAcross() { tile(true); }
+void MainWindow::mnuWindowTileSideBySide() { tile(false); }
+
+void MainWindow::mnuWindowClose() {
+  closeAllViews();
+  RefreshToolbarMainMenu();
+}
+
+void MainWindow::mnuHelpAbout() {
+  prompts_.tell(QStringLiteral("Aquilonix v%1.%2.%3\nКомплекс наблюдения за гидроагрегатом\n\n"
+                               "Запись и анализ сигналов датчиков гидроагрегата:\n"
+                               "биение вала, вибрация, отметчик оборотов и другие.")
+                    .arg(AQX_VERSION_MAJOR)
+                    .arg(AQX_VERSION_MINOR)
+                    .arg(AQX_VERSION_PATCH),
+                QStringLiteral("О программе"));
+}
+
+// ---------------------------------------------------------------------------
+// View windows.
+// ---------------------------------------------------------------------------
+
+QMdiSubWindow* MainWindow::openView(int window) {
+  QPointer<QMdiSubWindow>* slot = window == frmViewSignal ? &signalSub_ : window == kParametersWindow ? &parametersSub_ : nullptr;
+  if (!slot) return nullptr;  // windows of later versions
+  if (*slot) {
+    mdi_->setActiveSubWindow(*slot);
+    return *slot;
+  }
+  QWidget* content = nullptr;
+  if (window == frmViewSignal) {
+    content = new SignalWindow(*this);
+  } else {
+    content = new ParametersWindow(*this);
+  }
+  QMdiSubWindow* sub = mdi_->addSubWindow(content);
+  sub->setAttribute(Qt::WA_DeleteOnClose);
+  sub->setWindowIcon(content->windowIcon());
+  sub->setObjectName(content->objectName() + QStringLiteral("Frame"));
+  *slot = sub;
+  connect(sub, &QObject::destroyed, this, [this] {
+    if (!closingViews_) RefreshToolbarMainMenu();
+  });
+  const QSize area = mdi_->viewport()->size();
+  sub->resize(window == kParametersWindow ? QSize(area.width() / 2, area.height() / 3)
+                                          : QSize(area.width() * 3 / 4, area.height() * 3 / 4));
+  sub->show();
+  return sub;
+}
+
+void MainWindow::closeView(int window) {
+  QPointer<QMdiSubWindow> sub = window == frmViewSignal ? signalSub_ : window == kParametersWindow ? parametersSub_ : nullptr;
+  if (!sub) return;
+  // Closed and gone at once, so that ViewRefresh no longer sees it.
+  delete sub.data();
+}
+
+void MainWindow::closeAllViews() {
+  closingViews_ = true;
+  closeView(frmViewSignal);
+  closeView(kParametersWindow);
+  closingViews_ = false;
+}
+
+void MainWindow::SetViewStyle() {
+  updateViewChecks();
+  closingViews_ = true;
+  closeAllViews();
+  closingViews_ = false;
+  const ViewStyleDef style = ViewStyleDefinition(s_.ViewStyle);
+  if (!HasData(s_) || style.windows.empty()) {
+    RefreshToolbarMainMenu();
+    return;
+  }
+  std::vector<QMdiSubWindow*> opened;
+  for (int w : style.windows)
+    if (QMdiSubWindow* sub = openView(w)) opened.push_back(sub);
+  arrange(static_cast<int>(style.arrangement), opened);
+  RefreshToolbarMainMenu();
+}
+
+void MainWindow::arrange(int arrangement, const std::vector<QMdiSubWindow*>& windows) {
+  if (windows.empty()) return;
+  const QSize area = mdi_->viewport()->size();
+  // The window opened last stands first (on top, or on the left).
+  std::vector<QMdiSubWindow*> order(windows.rbegin(), windows.rend());
+  switch (static_cast<Arrangement>(arrangement)) {
+    case Arrangement::Maximised:
+      order.front()->showMaximized();
+      return;
+    case Arrangement::TileAcross:
+    case Arrangement::TileSideBySide: {
+      const bool across = static_cast<Arrangement>(arrangement) == Arrangement::TileAcross;
+      const auto boxes = across ? TileAcross(area.width(), area.height(), static_cast<int>(order.size()))
+                                : TileSideBySide(area.width(), area.height(), static_cast<int>(order.size()));
+      for (size_t i = 0; i < order.size(); ++i) {
+        order[i]->showNormal();
+        order[i]->setGeometry(boxes[i].left, boxes[i].top, boxes[i].width, boxes[i].height);
+      }
+      return;
+    }
+    case Arrangement::TileAcrossThenThird: {
+      // The first two tile across; the third stands over them.
+      std::vector<QMdiSubWindow*> firstTwo(windows.begin(), windows.begin() + std::min<size_t>(2, windows.size()));
+      arrange(static_cast<int>(Arrangement::TileAcross), firstTwo);
+      if (windows.size() > 2 && signalSub_) {
+        const QRect g = signalSub_->geometry();
+        const PixelBox third = ThirdWindowBox({g.x(), g.y(), g.width(), g.height()});
+        windows[2]->setGeometry(third.left, third.top, third.width, third.height);
+      }
+      return;
+    }
+  }
+}
+
+void MainWindow::tile(bool across) {
+  std::vector<QMdiSubWindow*> windows;
+  for (QMdiSubWindow* w : mdi_->subWindowList(QMdiArea::StackingOrder)) windows.push_back(w);
+  arrange(static_cast<int>(across ? Arrangement::TileAcross : Arrangement::TileSideBySide), windows);
+}
+
+}  // namespace aqx::ui

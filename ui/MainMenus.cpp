@@ -1,0 +1,362 @@
+// The menus, toolbars and status bar of frmMain, with the captions the users
+// know.
+
+#include "ui/Icons.h"
+#include "ui/MainWindow.h"
+#include "ui/PanelBar.h"
+#include "ui/Workspace.h"
+
+#include <QActionGroup>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QToolButton>
+
+namespace aqx::ui {
+
+namespace {
+
+// Commands whose windows come with later versions stand in the menus,
+// disabled, with this hint.
+const char kLaterHint[] = "Команда станет доступна в следующих версиях программы";
+
+}  // namespace
+
+QAction* MainWindow::addCommand(QMenu* menu, const char* name, const QString& caption, void (MainWindow::*handler)(),
+                                bool available) {
+  auto* a = new QAction(caption, this);
+  a->setObjectName(QString::fromLatin1(name));
+  if (handler) connect(a, &QAction::triggered, this, handler);
+  a->setEnabled(available);
+  if (menu) menu->addAction(a);
+  actions_.insert(a->objectName(), a);
+  return a;
+}
+
+QAction* MainWindow::addLaterCommand(QMenu* menu, const char* name, const QString& caption) {
+  QAction* a = addCommand(menu, name, caption, nullptr, false);
+  a->setProperty("later", true);
+  a->setToolTip(caption + QStringLiteral(" (") + QString::fromUtf8(kLaterHint).toLower() + QStringLiteral(")"));
+  return a;
+}
+
+QAction* MainWindow::addToggle(QMenu* menu, const char* name, const QString& caption, void (MainWindow::*handler)()) {
+  QAction* a = addCommand(menu, name, caption, handler);
+  a->setCheckable(true);
+  return a;
+}
+
+void MainWindow::buildMenus() {
+  buildFileMenu();
+  buildViewMenu();
+  buildOtherMenus();
+  buildSignalMenu();
+}
+
+void MainWindow::buildFileMenu() {
+  mnuFile_ = menuBar()->addMenu(QStringLiteral("Файл"));
+  mnuFile_->setObjectName(QStringLiteral("mnuFile"));
+  QAction* record = addCommand(mnuFile_, "mnuFileRecord", QStringLiteral("Пуск измерений"), &MainWindow::mnuFileRecord, false);
+  record->setProperty("later", true);
+  record->setIcon(MakeToolIcon(ToolIcon::Record));
+  record->setToolTip(QStringLiteral("Пуск измерений (") + QString::fromUtf8(kLaterHint).toLower() + QStringLiteral(")"));
+  mnuFile_->addSeparator();
+  QAction* open = addCommand(mnuFile_, "mnuFileOpen", QStringLiteral("Открыть ..."), &MainWindow::mnuFileOpen);
+  open->setIcon(MakeToolIcon(ToolIcon::Open));
+  open->setShortcut(QKeySequence::Open);
+  QAction* save = addCommand(mnuFile_, "mnuFileSave", QStringLiteral("Сохранить ..."), &MainWindow::mnuFileSave);
+  save->setIcon(MakeToolIcon(ToolIcon::Save));
+  save->setShortcut(QKeySequence::Save);
+  addLaterCommand(mnuFile_, "mnuFileFiles", QStringLiteral("Файлы"));
+  mnuFile_->addSeparator();
+  addLaterCommand(mnuFile_, "mnuFileImport", QStringLiteral("Импорт"));
+  addLaterCommand(mnuFile_, "mnuFileExport", QStringLiteral("Экспорт"));
+  mnuFile_->addSeparator();
+  QAction* copy = addCommand(mnuFile_, "mnuFileCopy", QStringLiteral("Копировать"), &MainWindow::mnuFileCopy);
+  copy->setIcon(MakeToolIcon(ToolIcon::Copy));
+  copy->setShortcut(QKeySequence::Copy);
+  QAction* property = addLaterCommand(mnuFile_, "mnuFileProperty", QStringLiteral("Свойства"));
+  property->setIcon(MakeToolIcon(ToolIcon::FileData));
+  mnuFile_->addSeparator()->setObjectName(QStringLiteral("mnuFileLine3"));
+  for (int k = 1; k <= kRecentFileCount; ++k) {
+    auto* a = new QAction(this);
+    a->setObjectName(QStringLiteral("mnuFileRecentFile%1").arg(k));
+    a->setVisible(false);
+    connect(a, &QAction::triggered, this, [this, k] { mnuFileRecentFile(k); });
+    mnuFile_->addAction(a);
+    actions_.insert(a->objectName(), a);
+    recentActions_.push_back(a);
+  }
+  recentLine_ = mnuFile_->addSeparator();
+  recentLine_->setObjectName(QStringLiteral("mnuFileLineRecent"));
+  recentLine_->setVisible(false);
+  QAction* exit = addCommand(mnuFile_, "mnuFileExit", QStringLiteral("Выход"), &MainWindow::mnuFileExit);
+  exit->setShortcut(QKeySequence(Qt::ALT | Qt::Key_F4));
+}
+
+void MainWindow::buildViewMenu() {
+  QMenu* view = menuBar()->addMenu(QStringLiteral("Вид"));
+  view->setObjectName(QStringLiteral("mnuView"));
+  addToggle(view, "mnuViewToolbarMain", QStringLiteral("Панель инструментов"), &MainWindow::mnuViewToolbarMain);
+  addToggle(view, "mnuViewToolbarChannels", QStringLiteral("Панель каналов"), &MainWindow::mnuViewToolbarChannels);
+  addToggle(view, "mnuViewStatusBar", QStringLiteral("Информационная строка"), &MainWindow::mnuViewStatusBar);
+  view->addSeparator();
+  QAction* signal = addToggle(view, "mnuViewSignal", QStringLiteral("Сигнал"), &MainWindow::mnuViewSignal);
+  signal->setIcon(MakeToolIcon(ToolIcon::Signal));
+  addLaterCommand(view, "mnuViewSpectr", QStringLiteral("Спектр"))->setIcon(MakeToolIcon(ToolIcon::Spectr));
+  addLaterCommand(view, "mnuViewSpectrum", QStringLiteral("Каскад спектров"))->setIcon(MakeToolIcon(ToolIcon::Spectrum));
+  addLaterCommand(view, "mnuViewTraectoia", QStringLiteral("Траектория"))->setIcon(MakeToolIcon(ToolIcon::Traectoria));
+  addLaterCommand(view, "mnuViewFormaRotor", QStringLiteral("Форма ротора"))->setIcon(MakeToolIcon(ToolIcon::FormaRotor));
+  addLaterCommand(view, "mnuViewFormaRotorDiagram", QStringLiteral("Диаграмма формы ротора"))
+      ->setIcon(MakeToolIcon(ToolIcon::FormaRotorDiagram));
+  addLaterCommand(view, "mnuViewFormaRotorSpectr", QStringLiteral("Спектр формы ротора"))
+      ->setIcon(MakeToolIcon(ToolIcon::FormaRotorSpectr));
+  QAction* parameters = addToggle(view, "mnuViewParameters", QStringLiteral("Параметры"), &MainWindow::mnuViewParameters);
+  parameters->setIcon(MakeToolIcon(ToolIcon::Parameters));
+  view->addSeparator();
+  QMenu* channels = view->addMenu(QStringLiteral("Каналы"));
+  channels->setObjectName(QStringLiteral("mnuViewChannels"));
+  for (int c = 1; c <= kMaxChannels; ++c) {
+    auto* a = new QAction(QStringLiteral("Канал №%1").arg(c), this);
+    a->setObjectName(QStringLiteral("mnuViewChannel%1").arg(c));
+    a->setCheckable(true);
+    connect(a, &QAction::triggered, this, [this, c] { SelectActiveChannel(c); });
+    channels->addAction(a);
+    actions_.insert(a->objectName(), a);
+  }
+  QMenu* blocks = view->addMenu(QStringLiteral("Блоки"));
+  blocks->setObjectName(QStringLiteral("mnuViewBlock"));
+  const std::pair<const char*, const char*> blockCommands[] = {
+      {"mnuViewBlockFirst", "Первый"}, {"mnuViewBlockPrevious", "Предыдущий"}, {"mnuViewBlockNext", "Следующий"},
+      {"mnuViewBlockLast", "Последний"}, {"mnuViewBlockMin", "Минимальный"},  {"mnuViewBlockMinus", "Уменьшить"},
+      {"mnuViewBlockPlus", "Увеличить"}, {"mnuViewBlockMax", "Максимальный"}};
+  for (const auto& [name, caption] : blockCommands) addLaterCommand(blocks, name, QString::fromUtf8(caption));
+  addToggle(view, "mnuViewImposition", QStringLiteral("Наложение сигналов"), &MainWindow::mnuViewImposition)
+      ->setIcon(MakeToolIcon(ToolIcon::Imposition));
+  addLaterCommand(view, "mnuViewMarker", QStringLiteral("Маркеры"));
+  addLaterCommand(view, "mnuViewStatusFile", QStringLiteral("Информация файла данных"));
+  view->addSeparator();
+  QMenu* styles = view->addMenu(QStringLiteral("Стиль"));
+  styles->setObjectName(QStringLiteral("mnuViewStyles"));
+  auto* styleGroup = new QActionGroup(this);
+  for (int k = 0; k < kViewStyleCount; ++k) {
+    auto* a = new QAction(ViewStyleDefinition(k).caption, styleGroup);
+    a->setObjectName(QStringLiteral("mnuViewStyle%1").arg(k));
+    a->setCheckable(true);
+    connect(a, &QAction::triggered, this, [this, k] { mnuViewStyle(k); });
+    styles->addAction(a);
+    actions_.insert(a->objectName(), a);
+  }
+  QMenu* colors = view->addMenu(QStringLiteral("Фон окон"));
+  colors->setObjectName(QStringLiteral("mnuViewColorsBack"));
+  auto* colorGroup = new QActionGroup(this);
+  const QStringList captions = ColorBackCaptions();
+  for (int k = 0; k < captions.size(); ++k) {
+    auto* a = new QAction(captions[k], colorGroup);
+    a->setObjectName(QStringLiteral("mnuViewColorBack%1").arg(k));
+    a->setCheckable(true);
+    connect(a, &QAction::triggered, this, [this, k] { ColorBack(k); });
+    colors->addAction(a);
+    actions_.insert(a->objectName(), a);
+  }
+}
+
+void MainWindow::buildOtherMenus() {
+  QMenu* report = menuBar()->addMenu(QStringLiteral("Отчет"));
+  report->setObjectName(QStringLiteral("mnuReport"));
+  addLaterCommand(report, "mnuReportMaster", QStringLiteral("Мастер протокола"));
+  addLaterCommand(report, "mnuReportProtokol", QStringLiteral("Протокол"));
+  addLaterCommand(report, "mnuReportPattern", QStringLiteral("По шаблону"));
+
+  QMenu* setup = menuBar()->addMenu(QStringLiteral("Настройка"));
+  setup->setObjectName(QStringLiteral("mnuSetup"));
+  const std::pair<const char*, const char*> setupCommands[] = {
+      {"mnuSetupChannels", "Настройка каналов"},
+      {"mnuSetupObject", "Описание режима"},
+      {"mnuSetupRecord", "Установка записи"},
+      {"mnuSetupCheckF", "Проверочные частоты"},
+      {"mnuSetupFiltr", "Фильтр"},
+      {"mnuSetupSpectrumAnalyser", "Спектральный анализ"},
+      {"mnuSetupOtmetchick", "Отметчик"},
+      {"mnuSetupReAccount", "Вырезка эффективного сигнала"},
+      {"mnuSetupConfigs", "Конфигурации"},
+      {"mnuSetupParameters", "Параметры"}};
+  for (const auto& [name, caption] : setupCommands) addLaterCommand(setup, name, QString::fromUtf8(caption));
+
+  QMenu* service = menuBar()->addMenu(QStringLiteral("Сервис"));
+  service->setObjectName(QStringLiteral("mnuService"));
+  const std::pair<const char*, const char*> serviceCommands[] = {
+      {"mnuServiceLineka", "Линейка"},
+      {"mnuServiceEvaluation", "Оценка"},
+      {"mnuServiceDetectSensor", "Тарировка датчиков биения"},
+      {"mnuServiceOtm", "Искуственный отметчик"},
+      {"mnuHelpADC", "Информация АЦП"},
+      {"mnuServiceDigitalLines", "Цифровые линии"},
+      {"mnuServicePlayerSound", "Проигрыватель"}};
+  for (const auto& [name, caption] : serviceCommands) addLaterCommand(service, name, QString::fromUtf8(caption));
+  actions_.value(QStringLiteral("mnuHelpADC"))->setIcon(MakeToolIcon(ToolIcon::ADC));
+
+  QMenu* window = menuBar()->addMenu(QStringLiteral("Окно"));
+  window->setObjectName(QStringLiteral("mnuWindow"));
+  addCommand(window, "mnuWindowArrange0", QStringLiteral("Каскад"), &MainWindow::mnuWindowCascade);
+  addCommand(window, "mnuWindowArrange1", QStringLiteral("Мозаика (горизонталь)"), &MainWindow::mnuWindowTileAcross);
+  addCommand(window, "mnuWindowArrange2", QStringLiteral("Мозаика (вертикаль)"), &MainWindow::mnuWindowTileSideBySide);
+  window->addSeparator();
+  addCommand(window, "mnuWindowClose", QStringLiteral("Закрыть все окна"), &MainWindow::mnuWindowClose);
+
+  QMenu* help = menuBar()->addMenu(QStringLiteral("Справка"));
+  help->setObjectName(QStringLiteral("mnuHelp"));
+  addLaterCommand(help, "mnuHelpContents", QStringLiteral("Содержание"));
+  addLaterCommand(help, "mnuHelpSearch", QStringLiteral("Поиск"));
+  addLaterCommand(help, "mnuHelpOnHelp", QStringLiteral("Как получить помощь"));
+  help->addSeparator();
+  addLaterCommand(help, "mnuHelpAdvice", QStringLiteral("Совет дня"));
+  help->addSeparator();
+  addCommand(help, "mnuHelpAbout", QStringLiteral("О программе"), &MainWindow::mnuHelpAbout);
+}
+
+void MainWindow::buildSignalMenu() {
+  // The popup of the signal view; it never stands in the menu bar.
+  mnuSignal_ = new QMenu(QStringLiteral("Сигнал"), this);
+  mnuSignal_->setObjectName(QStringLiteral("mnuSignal"));
+  const std::pair<const char*, const char*> toggles[] = {
+      {"ScaleX", "Шкала времени"},          {"ScaleY", "Шкала уровня"},
+      {"LineCenter", "Линия центра"},       {"LineZero", "Нулевая линия"},
+      {"OtmetchickLine", "Линии отметчика"}, {"Otmetchick", "Порог отметчика"},
+      {"BeginPoint", "Начальная точка"}};
+  for (const auto& [key, caption] : toggles) {
+    auto* a = new QAction(QString::fromUtf8(caption), this);
+    a->setObjectName(QStringLiteral("mnuSignal") + QString::fromLatin1(key));
+    a->setCheckable(true);
+    const QString k = QString::fromLatin1(key);
+    connect(a, &QAction::triggered, this, [this, k] { mnuSignalToggle(k); });
+    mnuSignal_->addAction(a);
+    actions_.insert(a->objectName(), a);
+  }
+  QMenu* cursor = mnuSignal_->addMenu(QStringLiteral("Курсор"));
+  cursor->setObjectName(QStringLiteral("mnuSignalCursor"));
+  const char* const cursorCaptions[] = {"Свободный", "Привязанный"};
+  for (int entry = 0; entry < 2; ++entry) {
+    auto* a = new QAction(QString::fromUtf8(cursorCaptions[entry]), this);
+    a->setObjectName(QStringLiteral("mnuSignalCursor%1").arg(entry));
+    a->setCheckable(true);
+    connect(a, &QAction::triggered, this, [this, entry] { mnuSignalCursor(entry); });
+    cursor->addAction(a);
+    actions_.insert(a->objectName(), a);
+  }
+  mnuSignal_->addSeparator();
+  const std::pair<const char*, const char*> bars[] = {
+      {"StatusBarParameter", "Панель параметров"}, {"Control", "Элементы управления"}, {"StatusBar", "Информационная строка"}};
+  for (const auto& [key, caption] : bars) {
+    auto* a = new QAction(QString::fromUtf8(caption), this);
+    a->setObjectName(QStringLiteral("mnuSignal") + QString::fromLatin1(key));
+    a->setCheckable(true);
+    const QString k = QString::fromLatin1(key);
+    connect(a, &QAction::triggered, this, [this, k] { mnuSignalToggle(k); });
+    mnuSignal_->addAction(a);
+    actions_.insert(a->objectName(), a);
+  }
+  mnuSignal_->addSeparator();
+  addCommand(mnuSignal_, "mnuSignalCopyPicture", QStringLiteral("Копировать рисунок"), &MainWindow::mnuSignalCopy)
+      ->setIcon(MakeToolIcon(ToolIcon::Copy));
+  mnuSignal_->addSeparator();
+  const std::pair<const char*, const char*> edits[] = {
+      {"mnuSignalDelete", "Вырезать"}, {"mnuSignalSmoothly", "Сгладить"}, {"mnuSignalZero", "Обнулить"},
+      {"mnuSignalMemory", "Запомнить"}, {"mnuSignalPaste", "Вставить"},  {"mnuSignalShift", "Сдвинуть"},
+      {"mnuSignalCopyData", "Копировать значения"}};
+  for (const auto& [name, caption] : edits) addLaterCommand(mnuSignal_, name, QString::fromUtf8(caption));
+}
+
+void MainWindow::buildToolbars() {
+  toolbarMain_ = addToolBar(QStringLiteral("Панель инструментов"));
+  toolbarMain_->setObjectName(QStringLiteral("ToolbarMain"));
+  toolbarMain_->setIconSize(QSize(24, 24));
+  auto button = [this](const char* key, const char* command, ToolIcon icon, const QString& tip) {
+    QAction* a = actions_.value(QString::fromLatin1(command));
+    a->setIcon(MakeToolIcon(icon));
+    toolbarMain_->addAction(a);
+    if (QWidget* w = toolbarMain_->widgetForAction(a)) w->setObjectName(QString::fromLatin1(key));
+    if (!tip.isEmpty() && !a->property("later").toBool()) a->setToolTip(tip);
+  };
+  button("Record", "mnuFileRecord", ToolIcon::Record, QStringLiteral("Пуск измерений"));
+  toolbarMain_->addSeparator();
+  button("Open", "mnuFileOpen", ToolIcon::Open, QStringLiteral("Открыть файл данных"));
+  button("Save", "mnuFileSave", ToolIcon::Save, QStringLiteral("Сохранить файл данных"));
+  button("FileData", "mnuFileProperty", ToolIcon::FileData, QString());
+  button("Copy", "mnuFileCopy", ToolIcon::Copy, QStringLiteral("Копировать рисунок активного окна"));
+  toolbarMain_->addSeparator();
+  button("Signal", "mnuViewSignal", ToolIcon::Signal, QStringLiteral("Сигнал"));
+  button("Spectr", "mnuViewSpectr", ToolIcon::Spectr, QString());
+  button("Spectrum", "mnuViewSpectrum", ToolIcon::Spectrum, QString());
+  button("Traectoria", "mnuViewTraectoia", ToolIcon::Traectoria, QString());
+  button("FormaRotorDiagram", "mnuViewFormaRotorDiagram", ToolIcon::FormaRotorDiagram, QString());
+  button("FormaRotorSpectr", "mnuViewFormaRotorSpectr", ToolIcon::FormaRotorSpectr, QString());
+  button("Parameters", "mnuViewParameters", ToolIcon::Parameters, QStringLiteral("Параметры"));
+  button("ADC", "mnuHelpADC", ToolIcon::ADC, QString());
+  toolbarMain_->addSeparator();
+  button("BlockFirst", "mnuViewBlockFirst", ToolIcon::BlockFirst, QString());
+  button("BlockPrevious", "mnuViewBlockPrevious", ToolIcon::BlockPrevious, QString());
+  txtBlock_ = new QLineEdit(QStringLiteral("1"), this);
+  txtBlock_->setObjectName(QStringLiteral("txtBlock"));
+  txtBlock_->setToolTip(QStringLiteral("Активный блок / Количество блоков"));
+  txtBlock_->setReadOnly(true);
+  txtBlock_->setAlignment(Qt::AlignCenter);
+  txtBlock_->setFixedWidth(64);
+  toolbarMain_->addWidget(txtBlock_);
+  button("BlockNext", "mnuViewBlockNext", ToolIcon::BlockNext, QString());
+  button("BlockLast", "mnuViewBlockLast", ToolIcon::BlockLast, QString());
+  button("BlockMinus", "mnuViewBlockMinus", ToolIcon::BlockMinus, QString());
+  txtSolidBlockM_ = new QLineEdit(QStringLiteral("1:1"), this);
+  txtSolidBlockM_->setObjectName(QStringLiteral("txtSolidBlockM"));
+  txtSolidBlockM_->setToolTip(QStringLiteral("Масштаб блоков"));
+  txtSolidBlockM_->setReadOnly(true);
+  txtSolidBlockM_->setAlignment(Qt::AlignCenter);
+  txtSolidBlockM_->setFixedWidth(48);
+  toolbarMain_->addWidget(txtSolidBlockM_);
+  button("BlockPlus", "mnuViewBlockPlus", ToolIcon::BlockPlus, QString());
+  button("BlockMin", "mnuViewBlockMin", ToolIcon::BlockMin, QString());
+  button("BlockMax", "mnuViewBlockMax", ToolIcon::BlockMax, QString());
+
+  addToolBarBreak();
+  toolbarChannels_ = addToolBar(QStringLiteral("Панель каналов"));
+  toolbarChannels_->setObjectName(QStringLiteral("ToolbarChannels"));
+  toolbarChannels_->setIconSize(QSize(24, 24));
+  for (int c = 1; c <= kMaxChannels; ++c) {
+    auto* b = new QToolButton(this);
+    b->setObjectName(QStringLiteral("Ch%1").arg(c));
+    b->setCheckable(true);
+    b->setAutoRaise(true);
+    connect(b, &QToolButton::clicked, this, [this, c] { SelectActiveChannel(c); });
+    channelButtons_[static_cast<size_t>(c - 1)] = b;
+    QAction* holder = toolbarChannels_->addWidget(b);
+    holder->setObjectName(QStringLiteral("ChHolder%1").arg(c));
+  }
+  toolbarChannels_->addSeparator();
+  toolbarChannels_->addAction(actions_.value(QStringLiteral("mnuViewImposition")));
+  if (QWidget* w = toolbarChannels_->widgetForAction(actions_.value(QStringLiteral("mnuViewImposition"))))
+    w->setObjectName(QStringLiteral("Imposition"));
+}
+
+void MainWindow::buildStatusBar() {
+  status_ = new PanelBar(this);
+  status_->setObjectName(QStringLiteral("StatusBar"));
+  std::vector<PanelBar::Panel> panels;
+  for (const char* key : {"DateTime", "Station", "Agregat", "Mode", "Type", "Place", "FreqRotor"})
+    panels.push_back({QString::fromLatin1(key), {}, {}});
+  panels.push_back({QStringLiteral("PathFileData"), {}, QStringLiteral("Файл данных"), true, true, true, 80, Qt::ElideMiddle});
+  status_->setPanels(std::move(panels));
+  status_->setToolTipOf(QStringLiteral("DateTime"), QStringLiteral("Дата и время записи"));
+  status_->setToolTipOf(QStringLiteral("Station"), QStringLiteral("Станция"));
+  status_->setToolTipOf(QStringLiteral("Agregat"), QStringLiteral("Гидроагрегат"));
+  status_->setToolTipOf(QStringLiteral("Mode"), QStringLiteral("Режим"));
+  status_->setToolTipOf(QStringLiteral("Type"), QStringLiteral("Тип датчика активного канала"));
+  status_->setToolTipOf(QStringLiteral("Place"), QStringLiteral("Место и направление активного канала"));
+  status_->setToolTipOf(QStringLiteral("FreqRotor"), QStringLiteral("Частота вращения"));
+  status_->setVisibleOf(QStringLiteral("FreqRotor"), false);
+  statusBar()->setObjectName(QStringLiteral("StatusBarFrame"));
+  statusBar()->addWidget(status_, 1);
+  statusBar()->setSizeGripEnabled(true);
+}
+
+}  // namespace aqx::ui

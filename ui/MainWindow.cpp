@@ -1,0 +1,350 @@
+#include "ui/MainWindow.h"
+
+#include "core/Config.h"
+#include "core/ConfigWriters.h"
+#include "core/Startup.h"
+#include "ui/Icons.h"
+#include "ui/PanelBar.h"
+#include "ui/ParametersWindow.h"
+#include "ui/SignalWindow.h"
+#include "ui/ViewOptions.h"
+#include "ui/Workspace.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMimeData>
+#include <QPainter>
+#include <QScreen>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QToolButton>
+
+namespace aqx::ui {
+
+namespace {
+
+// The workspace behind the view windows; while it is empty it says how a
+// recording comes in.
+class Workspace : public QMdiArea {
+ public:
+  explicit Workspace(QWidget* parent) : QMdiArea(parent) {}
+  QString hint;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    QMdiArea::paintEvent(event);
+    if (!subWindowList().isEmpty() || hint.isEmpty()) return;
+    QPainter p(viewport());
+    QFont f = font();
+    f.setPointSizeF(f.pointSizeF() * 1.3);
+    p.setFont(f);
+    p.setPen(background().color().lightness() > 128 ? QColor(60, 60, 60) : QColor(230, 230, 230));
+    p.drawText(viewport()->rect().adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap, hint);
+  }
+};
+
+}  // namespace
+
+MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, const Vocabulary& vocabulary,
+                       const FileReaderTable& readers, QWidget* parent)
+    : QMainWindow(parent),
+      s_(state),
+      store_(store),
+      prompts_(prompts),
+      vocab_(vocabulary),
+      readers_(readers),
+      analysis_(std::make_unique<views::AnalysisResults>()) {
+  setObjectName(QStringLiteral("frmMain"));
+  setWindowTitle(UpdateRecordTitle());
+  setWindowIcon(MakeToolIcon(ToolIcon::Application));
+  setAcceptDrops(true);
+  mdi_ = new Workspace(this);
+  mdi_->setObjectName(QStringLiteral("MDIArea"));
+  setCentralWidget(mdi_);
+  connect(mdi_, &QMdiArea::subWindowActivated, this, [this] { RefreshToolbarMainMenu(); });
+  buildMenus();
+  buildToolbars();
+  buildStatusBar();
+  if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+    const QRect area = screen->availableGeometry();
+    resize(area.width() * 9 / 10, area.height() * 9 / 10);
+    move(area.center() - rect().center());
+  }
+}
+
+MainWindow::~MainWindow() {
+  closingViews_ = true;
+  // The view windows save their settings as they close; they must go
+  // while the state and the store they write to are still there.
+  delete signalSub_.data();
+  delete parametersSub_.data();
+}
+
+OpenFileContext MainWindow::context() {
+  OpenFileHooks hooks;
+  hooks.setBusyCursor = [](bool busy) {
+    if (busy) {
+      QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+      QApplication::restoreOverrideCursor();
+    }
+  };
+  hooks.resetSignalViewBlock = [this](AppState&) {
+    if (SignalWindow* w = signalWindow()) w->ResetValueElements();
+  };
+  hooks.refreshToolbars = [this](AppState&) {
+    RefreshToolbarMainMenu();
+    RefreshToolbarChannels();
+    RefreshStatusBar();
+    OutPathFileDataToStatusBar();
+  };
+  hooks.setViewStyle = [this](AppState&) { SetViewStyle(); };
+  hooks.viewRefresh = [this](AppState&) { ViewRefresh(false); };
+  hooks.recentFilesChanged = [this](const QStringList&) { ReadRecentFile(); };
+  hooks.pumpMessages = [] { QCoreApplication::processEvents(); };
+  return OpenFileContext{s_, store_, prompts_, readers_, std::move(hooks)};
+}
+
+void MainWindow::load() {
+  OpenFileContext ctx = context();
+  MainLoad(ctx);
+  action(QStringLiteral("mnuSignalDelete"))->setEnabled(false);
+  action(QStringLiteral("mnuSignalPaste"))->setEnabled(false);
+  const ConfigOptions& config = s_.options.config;
+  toolbarMain_->setVisible(config.ViewToolbarMain);
+  toolbarChannels_->setVisible(config.ViewToolbarChannels);
+  statusBar()->setVisible(config.ViewStatusBar);
+  action(QStringLiteral("mnuViewToolbarMain"))->setChecked(config.ViewToolbarMain);
+  action(QStringLiteral("mnuViewToolbarChannels"))->setChecked(config.ViewToolbarChannels);
+  action(QStringLiteral("mnuViewStatusBar"))->setChecked(config.ViewStatusBar);
+  applyBackground();
+  ReadRecentFile();
+  RefreshToolbarChannels();
+  RefreshToolbarMainMenu();
+  RefreshStatusBar();
+  OutPathFileDataToStatusBar();
+  refreshSignalMenuChecks();
+}
+
+bool MainWindow::loadStartFile(const QString& commandLine) {
+  OpenFileContext ctx = context();
+  return LoadStartFile(ctx, commandLine);
+}
+
+bool MainWindow::OpenFile(const QString& path) {
+  OpenFileContext ctx = context();
+  return aqx::OpenFile(ctx, path);
+}
+
+bool MainWindow::dropFiles(const QStringList& paths) {
+  OpenFileContext ctx = context();
+  return DropFilesCommand(ctx, paths);
+}
+
+QAction* MainWindow::action(const QString& name) const { return actions_.value(name); }
+
+QList<QAction*> MainWindow::commandActions() const { return actions_.values(); }
+
+SignalWindow* MainWindow::signalWindow() const {
+  return signalSub_ ? qobject_cast<SignalWindow*>(signalSub_->widget()) : nullptr;
+}
+
+ParametersWindow* MainWindow::parametersWindow() const {
+  return parametersSub_ ? qobject_cast<ParametersWindow*>(parametersSub_->widget()) : nullptr;
+}
+
+QToolButton* MainWindow::channelButton(int channel) const {
+  if (channel < 1 || channel > kMaxChannels) return nullptr;
+  return channelButtons_[static_cast<size_t>(channel - 1)];
+}
+
+// ---------------------------------------------------------------------------
+// Toolbars, status bar, recent files.
+// ---------------------------------------------------------------------------
+
+void MainWindow::RefreshToolbarMainMenu() {
+  const bool data = HasData(s_);
+  static_cast<Workspace*>(mdi_)->hint =
+      data ? QString()
+           : QStringLiteral("Откройте файл данных: меню \"Файл\" → \"Открыть ...\",\n"
+                            "или перетащите файл в это окно.");
+  mdi_->viewport()->update();
+  const bool idle = !measuring_;
+  action(QStringLiteral("mnuFileOpen"))->setEnabled(idle);
+  action(QStringLiteral("mnuFileSave"))->setEnabled(data && idle);
+  action(QStringLiteral("mnuFileCopy"))->setEnabled(data && mdi_->activeSubWindow() != nullptr);
+  action(QStringLiteral("mnuSignalCopyPicture"))->setEnabled(data && signalWindow() != nullptr);
+  action(QStringLiteral("mnuViewSignal"))->setEnabled(data);
+  action(QStringLiteral("mnuViewParameters"))->setEnabled(data);
+  for (int k = 0; k < kViewStyleCount; ++k) action(QStringLiteral("mnuViewStyle%1").arg(k))->setEnabled(data);
+  for (QAction* a : recentActions_) a->setEnabled(idle);
+  updateViewChecks();
+}
+
+void MainWindow::updateViewChecks() {
+  action(QStringLiteral("mnuViewSignal"))->setChecked(signalWindow() != nullptr);
+  action(QStringLiteral("mnuViewParameters"))->setChecked(parametersWindow() != nullptr);
+  const int style = s_.ViewStyle;
+  for (int k = 0; k < kViewStyleCount; ++k) action(QStringLiteral("mnuViewStyle%1").arg(k))->setChecked(k == style);
+}
+
+void MainWindow::RefreshToolbarChannels() {
+  ChannelButtonOptions o;
+  o.VisibleChannels = s_.options.parameters.VisibleChannels;
+  o.ColorType = s_.options.parameters.ColorType;
+  o.ColorTypeKit = s_.options.config.ColorTypeKit;
+  const std::vector<ChannelButtonState> buttons = ChannelButtons(s_, vocab_, o);
+  for (const ChannelButtonState& b : buttons) {
+    QToolButton* w = channelButton(b.channel);
+    const QColor face = b.coloured ? b.face : palette().color(QPalette::Button);
+    w->setIcon(MakeChannelIcon(b.channel, b.enabled ? face : palette().color(QPalette::Midlight), b.current));
+    w->setChecked(b.pressed);
+    w->setEnabled(b.enabled);
+    w->setToolTip(b.toolTip);
+    toolbarChannels_->actions()[b.channel - 1]->setVisible(b.visible);
+    QAction* entry = action(QStringLiteral("mnuViewChannel%1").arg(b.channel));
+    entry->setVisible(b.channel <= ChannelCount(s_));
+    entry->setEnabled(b.enabled);
+    entry->setChecked(b.pressed);
+  }
+  action(QStringLiteral("mnuViewImposition"))->setChecked(s_.Imposition);
+}
+
+namespace {
+const char* const kMainPanelKeys[] = {"DateTime", "Station", "Agregat", "Mode", "Type", "Place"};
+}  // namespace
+
+void MainWindow::RefreshStatusBar() {
+  const auto texts = MainStatusTexts(s_, vocab_);
+  for (int i = 0; i < kMainPanelCount; ++i) {
+    const QString key = QString::fromLatin1(kMainPanelKeys[i]);
+    status_->setText(key, texts[static_cast<size_t>(i)]);
+    status_->setVisibleOf(key, !texts[static_cast<size_t>(i)].isEmpty());
+  }
+}
+
+void MainWindow::OutPathFileDataToStatusBar() {
+  // The panel takes the width the others leave and shortens the path in
+  // its middle to fit, whenever the frame changes size.
+  status_->setText(QStringLiteral("PathFileData"), QDir::toNativeSeparators(s_.PathFileData));
+  status_->setToolTipOf(QStringLiteral("PathFileData"), s_.PathFileData);
+}
+
+void MainWindow::ReadRecentFile() {
+  const QStringList captions = aqx::ReadRecentFile(store_);
+  bool any = false;
+  for (int k = 0; k < kRecentFileCount && k < static_cast<int>(recentActions_.size()); ++k) {
+    const QString caption = k < captions.size() ? captions[k] : QString();
+    recentActions_[static_cast<size_t>(k)]->setText(caption);
+    recentActions_[static_cast<size_t>(k)]->setVisible(!caption.isEmpty());
+    any = any || !caption.isEmpty();
+  }
+  recentLine_->setVisible(any);
+}
+
+void MainWindow::showRotorSpeed(bool visible, const QString& text) {
+  status_->setText(QStringLiteral("FreqRotor"), text);
+  status_->setVisibleOf(QStringLiteral("FreqRotor"), visible && !text.trimmed().isEmpty());
+}
+
+void MainWindow::showSignalPopup(const QPoint& globalPos) {
+  refreshSignalMenuChecks();
+  mnuSignal_->popup(globalPos);
+}
+
+void MainWindow::signalStatusChanged(const views::SignalStatus& status) {
+  // The edit commands themselves come later; they stay off until then.
+  action(QStringLiteral("mnuSignalBeginPoint"))->setEnabled(status.beginPointEnabled);
+}
+
+void MainWindow::signalOptionsChanged() { refreshSignalMenuChecks(); }
+
+void MainWindow::refreshSignalMenuChecks() {
+  const SignalOptions& o = s_.options.signal;
+  const std::pair<const char*, bool> checks[] = {
+      {"ScaleX", o.ScaleX},         {"ScaleY", o.ScaleY},
+      {"LineCenter", o.LineCenter}, {"LineZero", o.LineZero},
+      {"OtmetchickLine", o.OtmetchickLine}, {"Otmetchick", o.Otmetchick},
+      {"BeginPoint", o.BeginPoint}, {"StatusBarParameter", o.StatusBarParameter},
+      {"Control", o.Control},       {"StatusBar", o.StatusBar}};
+  for (const auto& [key, on] : checks) action(QStringLiteral("mnuSignal") + QString::fromLatin1(key))->setChecked(on);
+  const views::SignalCursor cursor = CursorFromSetting(o.Cursor);
+  action(QStringLiteral("mnuSignalCursor0"))->setChecked(cursor == views::SignalCursor::Free);
+  action(QStringLiteral("mnuSignalCursor1"))->setChecked(cursor == views::SignalCursor::Bound);
+}
+
+// ---------------------------------------------------------------------------
+// ViewRefresh.
+// ---------------------------------------------------------------------------
+
+void MainWindow::ViewRefresh(bool cheap) {
+  // A refresh inside a refresh (a control moved by the refresh itself)
+  // would draw twice for nothing.
+  if (refreshing_) return;
+  refreshing_ = true;
+  engineOptions_ = SignalOptionsFromState(s_);
+  views::ViewRegistry registry;
+  registry.runOn = measuring_;
+  registry.noticeUp = false;
+  views::InstallEngineSteps(registry, s_, engineOptions_, *analysis_);
+  registry[views::RefreshStep::ShowNotice] = [this] {
+    prompts_.notice({QStringLiteral("Подождите, идет обработка данных ...")});
+  };
+  registry[views::RefreshStep::CloseNotice] = [this] { prompts_.closeNotice(); };
+  if (SignalWindow* w = signalWindow()) {
+    registry.signalStatusBarParameter = w->parameterBarTicked();
+    w->installRefresh(registry);
+  }
+  if (ParametersWindow* w = parametersWindow()) {
+    registry.parametersOpen = true;
+    registry[views::RefreshStep::ParametersOutData] = [w] { w->OutData(); };
+  }
+  if (cheap) {
+    views::ViewRefreshCheap(s_, registry);
+  } else {
+    views::ViewRefresh(s_, registry);
+  }
+  refreshing_ = false;
+}
+
+// ---------------------------------------------------------------------------
+// Closing, dropping, resizing.
+// ---------------------------------------------------------------------------
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  if (!ConfirmCloseProgram(s_, prompts_)) {
+    event->ignore();
+    return;
+  }
+  closeAllViews();
+  prompts_.closeNotice();
+  MarkCleanExit(store_);
+  event->accept();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  QStringList paths;
+  for (const QUrl& url : event->mimeData()->urls())
+    paths << (url.isLocalFile() ? url.toLocalFile() : url.toString());
+  event->acceptProposedAction();
+  // The load runs after the drop has ended, so the source is not kept waiting.
+  QMetaObject::invokeMethod(this, [this, paths] { dropFiles(paths); }, Qt::QueuedConnection);
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  OutPathFileDataToStatusBar();
+}
+
+}  // namespace aqx::ui

@@ -1,0 +1,165 @@
+#pragma once
+// frmMain: the multi-document frame. Menus, the two toolbars, the status bar
+// and the view windows; it owns no data, shows the shared state and routes
+// the commands.
+
+#include "core/FileReaders.h"
+#include "core/OpenFile.h"
+#include "ui/ViewHost.h"
+
+#include <QHash>
+#include <QMainWindow>
+#include <QPointer>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+class QActionGroup;
+class QLineEdit;
+class QMdiArea;
+class QMdiSubWindow;
+class QMenu;
+class QToolBar;
+class QToolButton;
+
+namespace aqx::ui {
+
+class PanelBar;
+class ParametersWindow;
+class SignalWindow;
+
+class MainWindow : public QMainWindow, public ViewHost {
+  Q_OBJECT
+ public:
+  MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, const Vocabulary& vocabulary,
+             const FileReaderTable& readers, QWidget* parent = nullptr);
+  ~MainWindow() override;
+
+  // The load of the main window: settings with the crash check, the recent
+  // list, toolbars and status bar.
+  void load();
+  // Start step 7: the command line, or the last file.
+  bool loadStartFile(const QString& commandLine);
+
+  // Public operations.
+  bool OpenFile(const QString& path);
+  void RefreshToolbarMainMenu();
+  void RefreshToolbarChannels();
+  void RefreshStatusBar();
+  void ReadRecentFile();
+  void OutPathFileDataToStatusBar();
+  void SelectActiveChannel(int channel);
+  void SetViewStyle();
+  void ActivateElements(bool run);
+  void Imposition();
+  void ColorBack(int set);
+  void ViewRefresh(bool cheap = false);
+
+  // Windows and parts, for the program's own use and for tests.
+  QAction* action(const QString& name) const;
+  QList<QAction*> commandActions() const;
+  QMdiArea* mdiArea() const { return mdi_; }
+  SignalWindow* signalWindow() const;
+  ParametersWindow* parametersWindow() const;
+  QToolBar* toolbarMain() const { return toolbarMain_; }
+  QToolBar* toolbarChannels() const { return toolbarChannels_; }
+  QToolButton* channelButton(int channel) const;
+  PanelBar* mainStatus() const { return status_; }
+  QMenu* signalMenu() const { return mnuSignal_; }
+  // Files dropped on the window (the drop handler's work, callable directly).
+  bool dropFiles(const QStringList& paths);
+
+  // ViewHost.
+  AppState& state() override { return s_; }
+  SettingsStore& settings() override { return store_; }
+  const Vocabulary& vocabulary() const override { return vocab_; }
+  void viewRefresh(bool cheap) override { ViewRefresh(cheap); }
+  void showRotorSpeed(bool visible, const QString& text) override;
+  void showSignalPopup(const QPoint& globalPos) override;
+  void signalStatusChanged(const views::SignalStatus& status) override;
+  void signalOptionsChanged() override;
+  views::AnalysisResults& analysis() override { return *analysis_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  // Menus, toolbars and status bar (MainMenus.cpp).
+  void buildMenus();
+  void buildFileMenu();
+  void buildViewMenu();
+  void buildOtherMenus();
+  void buildSignalMenu();
+  void buildToolbars();
+  void buildStatusBar();
+  QAction* addCommand(QMenu* menu, const char* name, const QString& caption, void (MainWindow::*handler)(),
+                      bool available = true);
+  QAction* addLaterCommand(QMenu* menu, const char* name, const QString& caption);
+  QAction* addToggle(QMenu* menu, const char* name, const QString& caption, void (MainWindow::*handler)());
+
+  // Commands (MainCommands.cpp).
+  void mnuFileRecord();
+  void mnuFileOpen();
+  void mnuFileSave();
+  void mnuFileCopy();
+  void mnuFileRecentFile(int k);
+  void mnuFileExit();
+  void mnuViewToolbarMain();
+  void mnuViewToolbarChannels();
+  void mnuViewStatusBar();
+  void mnuViewSignal();
+  void mnuViewParameters();
+  void mnuViewImposition();
+  void mnuViewStyle(int style);
+  void mnuWindowCascade();
+  void mnuWindowTileAcross();
+  void mnuWindowTileSideBySide();
+  void mnuWindowClose();
+  void mnuHelpAbout();
+  void mnuSignalToggle(const QString& key);
+  void mnuSignalCursor(int entry);
+  void mnuSignalCopy();
+
+  // View windows.
+  OpenFileContext context();
+  QMdiSubWindow* openView(int window);
+  void closeView(int window);
+  void closeAllViews();
+  void arrange(int arrangement, const std::vector<QMdiSubWindow*>& windows);
+  void tile(bool across);
+  void applyBackground();
+  void refreshSignalMenuChecks();
+  void updateViewChecks();
+
+  AppState& s_;
+  SettingsStore& store_;
+  Prompts& prompts_;
+  const Vocabulary& vocab_;
+  const FileReaderTable& readers_;
+  std::unique_ptr<views::AnalysisResults> analysis_;
+  views::SignalViewOptions engineOptions_;
+
+  QMdiArea* mdi_ = nullptr;
+  QPointer<QMdiSubWindow> signalSub_;
+  QPointer<QMdiSubWindow> parametersSub_;
+  QToolBar* toolbarMain_ = nullptr;
+  QToolBar* toolbarChannels_ = nullptr;
+  std::array<QToolButton*, kMaxChannels> channelButtons_{};
+  PanelBar* status_ = nullptr;
+  QLineEdit* txtBlock_ = nullptr;
+  QLineEdit* txtSolidBlockM_ = nullptr;
+  QMenu* mnuFile_ = nullptr;
+  QMenu* mnuSignal_ = nullptr;
+  QHash<QString, QAction*> actions_;
+  std::vector<QAction*> recentActions_;
+  QAction* recentLine_ = nullptr;
+  bool measuring_ = false;
+  bool refreshing_ = false;
+  bool closingViews_ = false;
+};
+
+}  // namespace aqx::ui
