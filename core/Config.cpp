@@ -12,8 +12,8 @@ namespace aqx {
 
 namespace {
 
-constexpr QLatin1String kConfig(kSectionConfig);
-constexpr QLatin1String kChannel(kSectionChannel);
+const QLatin1String kConfig(kSectionConfig);
+const QLatin1String kChannel(kSectionChannel);
 constexpr int kRecentCount = 9;
 
 // An integer key with bounds: missing gives def, anything else outside

@@ -7,8 +7,8 @@
 namespace aqx {
 
 namespace {
-constexpr QLatin1String kConfig(kSectionConfig);
-constexpr QLatin1String kChannel(kSectionChannel);
+const QLatin1String kConfig(kSectionConfig);
+const QLatin1String kChannel(kSectionChannel);
 
 void SaveSection(SettingsStore& store, const AppState& s, const char* section) {
   for (const SettingKey& key : ScalarSettingKeys())

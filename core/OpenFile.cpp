@@ -8,7 +8,7 @@
 namespace aqx {
 
 namespace {
-constexpr QLatin1String kRecent(kSectionRecent);
+const QLatin1String kRecent(kSectionRecent);
 
 // Resets the busy cursor however the command ends.
 class BusyCursor {

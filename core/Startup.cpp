@@ -10,7 +10,7 @@
 namespace aqx {
 
 namespace {
-constexpr QLatin1String kConfig(kSectionConfig);
+const QLatin1String kConfig(kSectionConfig);
 
 bool IsExistingFile(const QString& path) {
   const QFileInfo info(path);
