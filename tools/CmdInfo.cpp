@@ -4,6 +4,7 @@
 // the state's names.
 
 #include "files/FileReaders.h"
+#include "files/SolidFile.h"
 #include "tools/ToolCommand.h"
 
 #include <array>
@@ -127,6 +128,14 @@ QString InfoJson(const AppState& s) {
   j.field("ModuleTag", s.ModuleTag);
   j.field("SolidMode", s.SolidMode);
   j.field("SolidFileName", s.SolidFileName);
+  if (s.SolidMode) {
+    const SolidFileFigures f = DescribeSolidFile(s, s.SolidDataStart);
+    j.field("SolidSamplesPerChannel", f.samplesPerChannel);
+    j.field("SolidBlockCount", s.SolidBlockCount);
+    j.field("SolidBlockN", s.SolidBlockN);
+    j.field("SolidBlockM", s.SolidBlockM);
+    j.field("SolidBlockSeconds", f.blockSeconds);
+  }
   j.field("FreqADC", s.FreqADC);
   j.key("Remark");
   j.beginArray();
@@ -231,6 +240,16 @@ QString InfoText(const AppState& s) {
   line("ModuleTag", s.ModuleTag);
   line("SolidMode", s.SolidMode ? QStringLiteral("true") : QStringLiteral("false"));
   line("SolidFileName", s.SolidFileName);
+  if (s.SolidMode) {
+    const SolidFileFigures f = DescribeSolidFile(s, s.SolidDataStart);
+    line("SolidSamplesPerChannel", num(f.samplesPerChannel));
+    line("SolidRecordSeconds", num(f.recordSeconds));
+    line("SolidBlockCount", num(s.SolidBlockCount));
+    line("SolidBlockN", num(s.SolidBlockN));
+    line("SolidBlockM", num(s.SolidBlockM));
+    line("SolidBlockRows", num(s.SignalDataN));
+    line("SolidBlockSeconds", num(f.blockSeconds));
+  }
   for (size_t r = 0; r < s.object.Remark.size(); ++r)
     if (!s.object.Remark[r].isEmpty())
       out += QStringLiteral("Remark(%1): %2\n").arg(r).arg(s.object.Remark[r]);

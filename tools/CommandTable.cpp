@@ -10,6 +10,8 @@ int RunDump(ToolContext& ctx);
 int RunConvert(ToolContext& ctx);
 int RunExportWav(ToolContext& ctx);
 int RunConfig(ToolContext& ctx);
+int RunDemo(ToolContext& ctx);
+int RunRecord(ToolContext& ctx);
 
 namespace {
 const ToolCommand kCommands[] = {
@@ -20,6 +22,8 @@ const ToolCommand kCommands[] = {
     {"convert", "convert IN OUT               any readable file to a data file of the current layout", RunConvert},
     {"export-wav", "export-wav IN OUT.wav         recorded channels of any readable file as WAVE", RunExportWav},
     {"config", "config list|save|restore|rename|delete  named configurations of the settings", RunConfig},
+    {"demo", "demo OUT.aqx [--seconds S]   demonstration recording of the virtual module", RunDemo},
+    {"record", "record OUT.aqx --mode cyclic|solid --seconds S  measurement run with the settings' channels", RunRecord},
 };
 }  // namespace
 

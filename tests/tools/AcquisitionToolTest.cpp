@@ -1,0 +1,120 @@
+// demo and record of aquilonix-tool: runs of the virtual module written to
+// files that the program's reader opens.
+#include "engine/Aquilonix.h"
+#include "files/DataFile.h"
+#include "tools/ToolCommand.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+namespace aqx::tool {
+
+int RunDemo(ToolContext& ctx);
+int RunRecord(ToolContext& ctx);
+int RunInfo(ToolContext& ctx);
+
+namespace {
+
+class AcquisitionTool : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    // The tool tells the virtual module the unit; each test starts afresh.
+    for (const char* key : {"AQX_VIRTUAL_CHANNELS", "AQX_VIRTUAL_RPM", "AQX_VIRTUAL_POLES",
+                            "AQX_VIRTUAL_MAINS_HZ", "AQX_MODULE", "AQX_VIRTUAL_FAIL"})
+      unsetenv(key);
+  }
+  void TearDown() override { SetUp(); }
+
+  int Run(int (*command)(ToolContext&), const QStringList& args, const QString& settings = {}) {
+    ToolContext ctx;
+    ctx.args = args;
+    ctx.settingsFile = settings;
+    ctx.prompts = &prompts;
+    FILE* stream = std::tmpfile();
+    ctx.out = stream;
+    const int rc = command(ctx);
+    std::fflush(stream);
+    std::rewind(stream);
+    QByteArray bytes;
+    char buffer[4096];
+    for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, stream)) > 0;)
+      bytes.append(buffer, static_cast<qsizetype>(n));
+    std::fclose(stream);
+    out = QString::fromUtf8(bytes);
+    return rc;
+  }
+
+  QTemporaryDir dir;
+  ScriptedPrompts prompts;
+  QString out;
+};
+
+}  // namespace
+
+TEST_F(AcquisitionTool, DemoRecordsARunningUnitThatTheReaderOpens) {
+  const QString file = dir.filePath(QStringLiteral("demo.aqx"));
+  ASSERT_EQ(Run(RunDemo, {file, QStringLiteral("--seconds"), QStringLiteral("2")}), kExitOk)
+      << prompts.lastMessage().toStdString();
+  auto s = std::make_unique<AppState>();
+  s->PathFileData = file;
+  ASSERT_TRUE(ReadDataFile(*s, prompts));
+  EXPECT_EQ(s->ChannelUsedCount, 11);
+  EXPECT_EQ(s->ModuleTag, QStringLiteral("E140 VR000001"));
+  EXPECT_EQ(s->channels.Type[1], 3);
+  EXPECT_EQ(s->channels.Type[2], 0);
+  EXPECT_EQ(s->channels.Type[10], 4);
+  EXPECT_FALSE(s->object.Station.isEmpty());
+  EXPECT_LE(s->FreqDescR * 11, 100000);
+  // 40 poles at 50 Hz: the marker shows 150 rev/min.
+  std::vector<int32_t> marks(AQX_MAX_SHAFT_MARKS);
+  int32_t count = 0, percentMin = 0, percentMax = 0, level = 0, direct = 1;
+  double minRpm = 0, maxRpm = 0;
+  Otmetchick(s->SignalData.data(), s->SignalDataN, s->channels.Channel.data(), s->channels.Type.data(), &count,
+             marks.data(), s->FreqDesc, s->FreqRotorN, &minRpm, &maxRpm, &percentMin, &percentMax, 1, &level,
+             &direct, 1, s->SignalDataN, 0, 0, 0, 0);
+  EXPECT_GE(count, 4);
+  EXPECT_NEAR(minRpm, 150.0, 1.5);
+  EXPECT_NEAR(maxRpm, 150.0, 1.5);
+  // Run-out codes sit around the probe's gap voltage: 4 V is 3200 codes.
+  EXPECT_NEAR(s->SignalData.at(100, 2), 3200, 600);
+}
+
+TEST_F(AcquisitionTool, ContinuousRecordShowsItsBlockFigures) {
+  const QString file = dir.filePath(QStringLiteral("solid.aqx"));
+  const QString settings = dir.filePath(QStringLiteral("settings.ini"));
+  ASSERT_EQ(Run(RunRecord, {file, QStringLiteral("--mode"), QStringLiteral("solid"), QStringLiteral("--seconds"),
+                            QStringLiteral("1")},
+                settings),
+            kExitOk)
+      << prompts.lastMessage().toStdString();
+  ASSERT_EQ(Run(RunInfo, {file}), kExitOk);
+  EXPECT_TRUE(out.contains(QStringLiteral("SolidMode: true")));
+  EXPECT_TRUE(out.contains(QStringLiteral("SolidBlockCount: 1\n")));
+  EXPECT_TRUE(out.contains(QStringLiteral("SolidBlockRows: 1024\n")));  // 32 channels at 1000 Hz for 1 s
+  EXPECT_TRUE(out.contains(QStringLiteral("ModuleTag: E140 VR000001")));
+}
+
+TEST_F(AcquisitionTool, RefusalsAndAModuleFailure) {
+  const QString file = dir.filePath(QStringLiteral("cyclic.aqx"));
+  const QString settings = dir.filePath(QStringLiteral("settings.ini"));
+  EXPECT_EQ(Run(RunRecord, {file, QStringLiteral("--mode"), QStringLiteral("sideways")}, settings), kExitRefused);
+  EXPECT_EQ(Run(RunRecord, {file, QStringLiteral("--seconds"), QStringLiteral("-1")}, settings), kExitRefused);
+  EXPECT_EQ(Run(RunDemo, {}), kExitRefused);
+  // A module failure is told with its number, text and step, and no file is left.
+  setenv("AQX_VIRTUAL_FAIL", "3", 1);
+  EXPECT_EQ(Run(RunRecord, {file, QStringLiteral("--mode"), QStringLiteral("solid"), QStringLiteral("--seconds"),
+                            QStringLiteral("1")},
+                settings),
+            kExitFailure);
+  EXPECT_EQ(prompts.lastMessage(),
+            QStringLiteral("Error #3\nНевозможно обнаружить модуль E14-140 в виртуальных слотах!\nOpenLDevice"));
+  EXPECT_FALSE(QFile::exists(file));
+}
+
+}  // namespace aqx::tool
