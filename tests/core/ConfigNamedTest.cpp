@@ -85,7 +85,7 @@ TEST(NamedConfigs, AFailedRestoreLeavesTheSettingsExactlyAsTheyWere) {
   Station st;
   const SettingsTree before = st.store.tree();
   const QByteArray fileBefore = ReadBytes(st.path);
-  WriteBytes(st.folder() + QStringLiteral("/битая"), QByteArray("[Config]\nPolus=60\n[Chan\x00\xff", 26));
+  WriteBytes(st.folder() + QStringLiteral("/битая"), QByteArray("[Config]\nPolus=60\n[Chan\x00\xff", 25));
   AppState s;
   s.Polus = 33;
   EXPECT_EQ(ConfigOpenCommand(s, st.store, st.folder(), QStringLiteral("битая"), st.prompts, {}),

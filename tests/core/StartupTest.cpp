@@ -44,6 +44,19 @@ TEST(Startup, AFreshUserStartsWithNothingWrittenButStartAndGoodRun) {
   EXPECT_TRUE(run.state.PathFileData.isEmpty());
 }
 
+TEST(Startup, AGarbledSettingsFileStillStarts) {
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("Aquilonix.conf"));
+  const char junk[] = "[Config]\nPolus=\xff\x00junk\nGoodRun=1\n[Aquilon";
+  testing::WriteBytes(path, QByteArray(junk, sizeof junk - 1));
+  ProgramRun run(path);
+  run.start();
+  EXPECT_TRUE(run.prompts.shown.empty());
+  EXPECT_EQ(run.state.Polus, 72);
+  EXPECT_EQ(ReadSettingsFile(path).tree[QStringLiteral("Aquilonix")][QStringLiteral("Start")],
+            QStringLiteral("1"));
+}
+
 TEST(Startup, StartsAreCountedAndACleanExitAsksNothingNextTime) {
   QTemporaryDir dir;
   const QString path = dir.filePath(QStringLiteral("Aquilonix.conf"));
