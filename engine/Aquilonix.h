@@ -236,10 +236,10 @@ AQX_API void CutSignal(int16_t* SignalData, int32_t SignalDataN, const int32_t* 
                        int32_t* FreqDesc, int32_t FreqDescR, double* StepDesc,
                        double* FreqOneGarmonic, double FreqRotorN, int32_t* CutFlag);
 
-/* destination[i] = code of row firstRow + i of channel `channel` (from 1),
- * as a double, for rows firstRow..lastRow held to 1..1,048,576. The
- * destination must hold lastRow - firstRow + 1 values; nothing is written for
- * an empty stretch or a channel outside 1..32. */
+/* destination[i] = code of row first + i of channel `channel` (from 1), as
+ * a double, for the rows firstRow..lastRow held to 1..1,048,576 (first is
+ * the held firstRow). The destination must hold lastRow - firstRow + 1
+ * values; nothing is written for an empty stretch or a channel outside 1..32. */
 AQX_API void CopyData(double* destination, const int16_t* SignalData, int32_t firstRow,
                       int32_t lastRow, int32_t channel);
 
@@ -259,7 +259,9 @@ AQX_API void CopyData(double* destination, const int16_t* SignalData, int32_t fi
  * view draws a sample. output[2*x] is the least and output[2*x+1] the
  * greatest y of the samples on column x: no sample's extreme is lost. A column
  * with no sample repeats the last y drawn before it (centreLine at the start).
- * Ku, Zero, Volume and SignalOffset may be null (1, 0, 0, 0). Returns 0. */
+ * Ku, Zero, Volume and SignalOffset may be null (1, 0, 0, 0); pass a null
+ * SignalOffset (or zeros) to draw without the offset. An empty stretch or a
+ * channel outside 0..31 gives centreLine in every column. Returns 0. */
 AQX_API int32_t AccountDataBuildSignal(int32_t widthPixels, int32_t centreLine,
                                        double PixelsPerSample, double PixelsPerUnit,
                                        double millivoltsPerCode, double heightPixels,

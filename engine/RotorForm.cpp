@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <complex>
-#include <map>
 #include <vector>
 
 using namespace aqx::engine;
@@ -61,14 +60,14 @@ int32_t HalfWaves(const std::vector<double>& emf, const Revolution& r, double me
 
 // The number of half-waves that most revolutions agree on, or 0.
 int32_t PolesFromEmf(const std::vector<int32_t>& halfWaves) {
-  std::map<int32_t, int32_t> votes;
-  for (int32_t h : halfWaves) ++votes[h];
-  const auto best = std::max_element(votes.begin(), votes.end(),
-                                     [](const auto& a, const auto& b) { return a.second < b.second; });
-  if (best == votes.end()) return 0;
-  const bool agreed = best->second * 5 >= static_cast<int32_t>(halfWaves.size()) * 4;
-  const int32_t poles = best->first;
-  return (agreed && poles >= 2 && poles <= kMaxPoles && poles % 2 == 0) ? poles : 0;
+  std::vector<int32_t> votes(kMaxPoles + 1, 0);
+  for (int32_t h : halfWaves) {
+    if (h >= 0 && h <= kMaxPoles) ++votes[static_cast<size_t>(h)];
+  }
+  const auto best = std::max_element(votes.begin(), votes.end());
+  const int32_t poles = static_cast<int32_t>(best - votes.begin());
+  const bool agreed = *best * 5 >= static_cast<int32_t>(halfWaves.size()) * 4;
+  return (agreed && poles >= 2 && poles % 2 == 0) ? poles : 0;
 }
 
 struct FormValues {

@@ -4,6 +4,7 @@
 // (AccountProbe).
 
 #include "engine/FftPlans.h"
+#include "engine/SpectrumKernel.h"
 #include "engine/SpectrumMath.h"
 
 #include <complex>
@@ -38,33 +39,11 @@ int32_t ReferenceRow(Stretch rows, int32_t markCount, const int32_t* marks) {
   return rows.first;
 }
 
-// Rotation exp(-2*pi*i*k*shift/L) for consecutive k, recomputed exactly every
-// few hundred lines so that rounding cannot pile up over half a million.
-class LineRotation {
- public:
-  LineRotation(int64_t shift, int32_t blockLength) : shift_(shift), length_(blockLength) {
-    const int64_t m = ((shift % blockLength) + blockLength) % blockLength;
-    step_ = std::polar(1.0, -2.0 * kPi * static_cast<double>(m) / blockLength);
-  }
-  bool identity() const { return shift_ % length_ == 0; }
-  Complex at(int32_t k) {
-    if (k % 256 == 0 || k != next_) {
-      const int64_t m = ((static_cast<int64_t>(k) * shift_) % length_ + length_) % length_;
-      current_ = std::polar(1.0, -2.0 * kPi * static_cast<double>(m) / length_);
-    } else {
-      current_ *= step_;
-    }
-    next_ = k + 1;
-    return current_;
-  }
-
- private:
-  int64_t shift_;
-  int32_t length_;
-  Complex step_;
-  Complex current_{1.0, 0.0};
-  int32_t next_ = -1;
-};
+// exp(-2*pi*i*k*shift/L), exact for any k.
+Complex RotationAt(int64_t shift, int32_t L, int32_t k) {
+  const int64_t turns = ((static_cast<int64_t>(k) * (shift % L)) % L + L) % L;
+  return std::polar(1.0, -2.0 * kPi * static_cast<double>(turns) / L);
+}
 
 // Hann-windowed, reference-rotated line k of a transformed block (X holds
 // lines 0..L/2 as FFTW leaves them).
@@ -81,7 +60,10 @@ Complex WindowedLine(const Complex* x, int32_t L, int32_t k) {
 void TransformBlock(const int16_t* signalData, int32_t column, int32_t firstRow, int32_t L,
                     const FftPlan& plan, double* buffer) {
   const int16_t* src = signalData + static_cast<size_t>(firstRow - 1) * kColumns + column;
-  for (int32_t i = 0; i < L; ++i) buffer[i] = src[static_cast<size_t>(i) * kColumns];
+  for (int32_t i = 0; i < L; ++i) {
+    PrefetchRow(src, i + kPrefetchRows, L);
+    buffer[i] = src[static_cast<size_t>(i) * kColumns];
+  }
   plan.execute(buffer);
 }
 
@@ -173,30 +155,46 @@ extern "C" void AccountSpectrFull(double* /*SpectrRe*/, double* /*SpectrIm*/, do
     return;
   }
   Complex* x = work.complexData();
-
-  double largest = 0.0;
-  auto store = [&](int32_t k, double amplitude, double phase, double real) {
-    SpectrAmplitude[k] = amplitude;
-    if (SpectrPhase) SpectrPhase[k] = phase;
-    if (SpectrReal) SpectrReal[k] = real;
-    largest = std::max(largest, amplitude);
+  // Lines 1..inner-1 have both neighbours among the lines the transform gives.
+  const int32_t inner = std::max(1, std::min(lines, L / 2));
+  WorkBuffer phaseScratch;
+  WorkBuffer realScratch;
+  if (SpectrPhase == nullptr) phaseScratch = WorkBuffer(static_cast<size_t>(lines));
+  if (SpectrReal == nullptr) realScratch = WorkBuffer(static_cast<size_t>(lines));
+  double* phase = SpectrPhase ? SpectrPhase : phaseScratch.data();
+  double* real = SpectrReal ? SpectrReal : realScratch.data();
+  const bool rotate = blockCount > 1 || (static_cast<int64_t>(rows.first) - reference) % L != 0;
+  WorkBuffer rotation;
+  if (rotate) rotation = WorkBuffer(2 * static_cast<size_t>(inner));
+  if (phase == nullptr || real == nullptr || (rotate && rotation.data() == nullptr)) {
+    empty();
+    return;
+  }
+  // Line 0 and the one or two lines past L/2 - 1 go the general way.
+  std::vector<int32_t> edgeLines{0};
+  for (int32_t k = inner; k < lines; ++k) edgeLines.push_back(k);
+  auto storeZero = [&](double mean) {
+    SpectrAmplitude[0] = std::fabs(mean);
+    phase[0] = mean < 0.0 ? 180.0 : 0.0;
+    real[0] = mean;
   };
 
   if (blockCount == 1) {
     TransformBlock(SignalData, column, rows.first, L, *plan, work.data());
     if (StatusFilterConst != 0) x[0] = 0.0;
-    LineRotation rotation(static_cast<int64_t>(rows.first) - reference, L);
-    const bool rotate = !rotation.identity();
-    for (int32_t k = 0; k < lines; ++k) {
-      Complex z = (k > 0 && k < L / 2) ? 0.5 * x[k] - 0.25 * (x[k - 1] + x[k + 1])
-                                       : WindowedLine(x, L, k);
-      if (rotate) z *= rotation.at(k);
+    const int64_t shift = static_cast<int64_t>(rows.first) - reference;
+    if (rotate) FillRotation(shift, L, 1, inner, rotation.data());
+    WindowedLines(work.data(), 1, inner, rotate ? rotation.data() : nullptr, lineScale, SpectrAmplitude,
+                  phase, real);
+    for (int32_t k : edgeLines) {
+      const Complex z = WindowedLine(x, L, k) * RotationAt(shift, L, k);
       if (k == 0) {
-        const double mean = z.real() * zeroScale;
-        store(0, std::fabs(mean), mean < 0.0 ? 180.0 : 0.0, mean);
+        storeZero(z.real() * zeroScale);
         continue;
       }
-      store(k, std::abs(z) * lineScale, PhaseDegrees(z), z.real() * lineScale);
+      SpectrAmplitude[k] = std::sqrt(std::norm(z)) * lineScale;
+      phase[k] = PhaseDegrees(z);
+      real[k] = z.real() * lineScale;
     }
   } else {
     // Amplitudes average as magnitudes (so that what does not repeat keeps
@@ -214,23 +212,26 @@ extern "C" void AccountSpectrFull(double* /*SpectrRe*/, double* /*SpectrIm*/, do
       const int32_t start = rows.first + b * hop;
       TransformBlock(SignalData, column, start, L, *plan, work.data());
       if (StatusFilterConst != 0) x[0] = 0.0;
-      LineRotation rotation(static_cast<int64_t>(start) - reference, L);
-      for (int32_t k = 0; k < lines; ++k) {
-        const Complex z = WindowedLine(x, L, k) * rotation.at(k);
-        magnitudes.data()[k] += std::abs(z);
+      const int64_t shift = static_cast<int64_t>(start) - reference;
+      FillRotation(shift, L, 1, inner, rotation.data());
+      AccumulateLines(work.data(), 1, inner, rotation.data(), magnitudes.data(), sums.data());
+      for (int32_t k : edgeLines) {
+        const Complex z = WindowedLine(x, L, k) * RotationAt(shift, L, k);
+        magnitudes.data()[k] += std::sqrt(std::norm(z));
         sum[k] += z;
       }
     }
     const double inverseCount = 1.0 / blockCount;
-    const double mean = sum[0].real() * inverseCount * zeroScale;
-    store(0, std::fabs(mean), mean < 0.0 ? 180.0 : 0.0, mean);
+    storeZero(sum[0].real() * inverseCount * zeroScale);
     for (int32_t k = 1; k < lines; ++k) {
       const double amplitude = magnitudes.data()[k] * inverseCount * lineScale;
-      const double length = std::abs(sum[k]);
-      const double cosine = length > 0.0 ? sum[k].real() / length : 1.0;
-      store(k, amplitude, PhaseDegrees(sum[k]), amplitude * cosine);
+      const double length = std::sqrt(std::norm(sum[k]));
+      SpectrAmplitude[k] = amplitude;
+      phase[k] = PhaseDegrees(sum[k]);
+      real[k] = amplitude * (length > 0.0 ? sum[k].real() / length : 1.0);
     }
   }
+  const double largest = *std::max_element(SpectrAmplitude, SpectrAmplitude + lines);
   if (StepDesc) *StepDesc = static_cast<double>(std::max(FreqDesc, 1)) / L;
   if (SpectrLineCount) *SpectrLineCount = lines;
   if (SpectrMax) *SpectrMax = RoundToInt32(largest);

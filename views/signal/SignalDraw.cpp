@@ -162,7 +162,7 @@ void DrawTrace(const AppState& s, const SignalViewState& v, int channel, double 
     double x = pps / 2.0;
     trace.xs = {0, RoundHalfEven(x)};
     trace.ys = {y0, y0};
-    const int last = std::min(s.ViewLast + 1, n);
+    const int last = static_cast<int>(std::min<int64_t>(int64_t{s.ViewLast} + 1, n));
     if (last > first) {
       trace.xs.reserve(static_cast<size_t>(last - first) * 2 + 2);
       trace.ys.reserve(static_cast<size_t>(last - first) * 2 + 2);

@@ -1,0 +1,87 @@
+// Built with the options of engine/CMakeLists.txt that let these loops
+// vectorise (nothing in the library reads errno or floating-point traps).
+
+#include "engine/SpectrumKernel.h"
+
+#include "engine/SpectrumMath.h"
+
+namespace aqx::engine {
+
+void FillRotation(int64_t shift, int32_t blockLength, int32_t first, int32_t last, double* out) {
+  const int64_t L = blockLength;
+  const int64_t m = ((shift % L) + L) % L;
+  const double stepAngle = -2.0 * kPi * static_cast<double>(m) / L;
+  const double stepCos = std::cos(stepAngle);
+  const double stepSin = std::sin(stepAngle);
+  double c = 1.0;
+  double s = 0.0;
+  for (int32_t k = first; k < last; ++k) {
+    // Exact every 256 lines, by recurrence in between.
+    if ((k - first) % 256 == 0) {
+      const int64_t turns = (static_cast<int64_t>(k) * m) % L;
+      const double angle = -2.0 * kPi * static_cast<double>(turns) / L;
+      c = std::cos(angle);
+      s = std::sin(angle);
+    }
+    double* o = out + 2 * static_cast<size_t>(k - first);
+    o[0] = c;
+    o[1] = s;
+    const double nc = c * stepCos - s * stepSin;
+    s = c * stepSin + s * stepCos;
+    c = nc;
+  }
+}
+
+namespace {
+
+// One loop per case, so that neither carries a branch that keeps it from
+// vectorising.
+template <bool kRotate>
+void WindowedLinesLoop(const double* x, int32_t first, int32_t last, const double* rotation,
+                       double lineScale, double* amplitude, double* phase, double* real) {
+  constexpr double toDegrees = 180.0 / kPi;
+  for (int32_t k = first; k < last; ++k) {
+    double zr = 0.5 * x[2 * k] - 0.25 * (x[2 * k - 2] + x[2 * k + 2]);
+    double zi = 0.5 * x[2 * k + 1] - 0.25 * (x[2 * k - 1] + x[2 * k + 3]);
+    if constexpr (kRotate) {
+      const double c = rotation[2 * (k - first)];
+      const double s = rotation[2 * (k - first) + 1];
+      const double r = zr * c - zi * s;
+      zi = zr * s + zi * c;
+      zr = r;
+    }
+    amplitude[k] = std::sqrt(zr * zr + zi * zi) * lineScale;
+    const double p = -FastAtan2(zi, zr) * toDegrees;
+    phase[k] = p < 0.0 ? p + 360.0 : p;
+    real[k] = zr * lineScale;
+  }
+}
+
+}  // namespace
+
+void WindowedLines(const double* x, int32_t first, int32_t last, const double* rotation,
+                   double lineScale, double* amplitude, double* phase, double* real) {
+  if (rotation != nullptr) {
+    WindowedLinesLoop<true>(x, first, last, rotation, lineScale, amplitude, phase, real);
+  } else {
+    WindowedLinesLoop<false>(x, first, last, rotation, lineScale, amplitude, phase, real);
+  }
+}
+
+void AccumulateLines(const double* x, int32_t first, int32_t last, const double* rotation,
+                     double* magnitudes, double* sums) {
+  for (int32_t k = first; k < last; ++k) {
+    double zr = 0.5 * x[2 * k] - 0.25 * (x[2 * k - 2] + x[2 * k + 2]);
+    double zi = 0.5 * x[2 * k + 1] - 0.25 * (x[2 * k - 1] + x[2 * k + 3]);
+    const double c = rotation[2 * (k - first)];
+    const double s = rotation[2 * (k - first) + 1];
+    const double r = zr * c - zi * s;
+    zi = zr * s + zi * c;
+    zr = r;
+    magnitudes[k] += std::sqrt(zr * zr + zi * zi);
+    sums[2 * k] += zr;
+    sums[2 * k + 1] += zi;
+  }
+}
+
+}  // namespace aqx::engine

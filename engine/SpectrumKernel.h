@@ -1,0 +1,25 @@
+#pragma once
+// The per-line loops of the spectrum, kept apart so that they can be built
+// for vectorisation: a million-sample spectrum has half a million lines, and
+// their amplitudes and phases would otherwise cost as much as the transform.
+
+#include <cstdint>
+
+namespace aqx::engine {
+
+// exp(-2*pi*i*k*shift/L) for k in [first, last), as interleaved cos, sin.
+void FillRotation(int64_t shift, int32_t blockLength, int32_t first, int32_t last, double* out);
+
+// Lines [first, last) of a transformed block (x: lines 0..L/2 as interleaved
+// complex; 1 <= first, last <= L/2), Hann-windowed from their neighbours,
+// turned by `rotation` (from FillRotation over the same lines, or null) and
+// scaled: peak-to-peak amplitude, phase in degrees 0..360, in-phase part.
+void WindowedLines(const double* x, int32_t first, int32_t last, const double* rotation,
+                   double lineScale, double* amplitude, double* phase, double* real);
+
+// The same lines added into running sums for block averaging: magnitude into
+// `magnitudes`, the complex value into `sums` (interleaved), unscaled.
+void AccumulateLines(const double* x, int32_t first, int32_t last, const double* rotation,
+                     double* magnitudes, double* sums);
+
+}  // namespace aqx::engine
