@@ -182,14 +182,6 @@ TEST_F(DcRecording, ThresholdLineOfTheShownMarkerChannel) {
   EXPECT_TRUE(caption);
 }
 
-TEST_F(DcRecording, CentreLineAtTheCentreSample) {
-  o.LineCenter = true;
-  v.CentreSample = 51;
-  const auto centre = LinesOf(Draw(*s, o, v), kCentre);
-  ASSERT_EQ(centre.size(), 1u);
-  EXPECT_EQ(centre[0].x1, 100);
-}
-
 TEST_F(DcRecording, UserMarkerExactlyAtEitherEdgeIsNotDrawn) {
   s->FreqDesc = 10;
   s->ViewFirst = 10;
@@ -267,14 +259,6 @@ TEST_F(DcRecording, PictureBelowFiftyPixelsIsNotDrawn) {
   v.H = 0;
   v.W = 0;
   EXPECT_TRUE(BuildSignal(*s, o, v, FontMetrics{}).items.empty());
-}
-
-TEST_F(DcRecording, CursorMemoryIsClearedByARedraw) {
-  v.CursorX = 10;
-  v.CursorY = 10;
-  Draw(*s, o, v);
-  EXPECT_EQ(v.CursorX, -1);
-  EXPECT_EQ(v.CursorY, -1);
 }
 
 TEST(SignalThinning, ALongRecordKeepsItsOneSamplePeak) {

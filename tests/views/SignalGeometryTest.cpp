@@ -97,13 +97,6 @@ TEST(PixelMapping, SelectionEdgesSpreadTheViewOverTheWidth) {
   EXPECT_EQ(SelectionSampleAt(50, 1, 1, 0), 1);          // no width, no fault
 }
 
-TEST(PixelMapping, VerticalFactorIncludesTheGain) {
-  EXPECT_DOUBLE_EQ(PixelsPerUnitFor(400, 0, 100), 2.0);
-  EXPECT_DOUBLE_EQ(PixelsPerUnitFor(400, 1, 100), 0.5);
-  EXPECT_DOUBLE_EQ(PixelsPerUnitFor(400, 3, 100), 2.0 / 64);
-  EXPECT_GT(PixelsPerUnitFor(400, 0, -1), 0.0);  // "Авто" not yet resolved
-}
-
 TEST(ChannelLayout, BandsShareTheHeightWithZeroLinesAtTheirCentres) {
   EXPECT_TRUE(BandCentres(400, 0).empty());
   EXPECT_EQ(BandCentres(400, 1), std::vector<int>{200});
@@ -144,14 +137,6 @@ TEST(TimeTexts, RealTimeAddsTheRecordingStartAndSolidBlocksTheirPlace) {
   s->FreqADC = 32000;
   s->ChannelUsedCount = 2;  // 16000 rows a second: a block lasts 65.536 s
   EXPECT_DOUBLE_EQ(SampleSeconds(*s, o, 0), 131.0);
-}
-
-TEST(TimeTexts, SpeedTextOneSpeedOrARangeNegativeAsZero) {
-  RotorSpeed one{83.3, 83.3, 100, 100};
-  EXPECT_EQ(RotorSpeedText(one), FormatStandard(83.3) + QStringLiteral(" об/мин (100%) "));
-  RotorSpeed range{-5.0, 90.0, -6, 108};
-  EXPECT_EQ(RotorSpeedText(range),
-            FormatStandard(0.0) + QStringLiteral("-") + FormatStandard(90.0) + QStringLiteral(" об/мин (0-108%) "));
 }
 
 }  // namespace

@@ -138,10 +138,6 @@ TEST_F(Interaction, ColorPropertyGetsOneValuePerShownChannel) {
   EXPECT_EQ(v.ColorPropertyValues[2], FormatGrouped(-2000));
 }
 
-TEST_F(Interaction, RightButtonAsksForThePopupMenu) {
-  EXPECT_TRUE(MouseDown(*s, o, v, MouseButton::Right, 5, 5).popupMenu);
-}
-
 TEST_F(Interaction, ScrollBarMovesTheViewAndAFinishedChangeRefreshesAll) {
   SliderHChanged(*s, v, 2, false);  // 25 samples in view
   SignalAction a = HScrollChanged(*s, v, 40, false);
@@ -176,16 +172,6 @@ TEST_F(Interaction, AmplitudeSliderSetsTheScaleOrAuto) {
   SliderVChanged(*s, v, -1);
   EXPECT_EQ(s->channels.ChannelYm[1], 200);
   EXPECT_EQ(v.SliderVToolTip, QStringLiteral("Авто"));
-}
-
-TEST_F(Interaction, ZoomSliderWhileDraggedOnlyMovesItsTooltip) {
-  SignalAction a = SliderHChanged(*s, v, 3, true);
-  EXPECT_EQ(v.SliderH, 0);
-  EXPECT_EQ(v.SliderHToolTip, QStringLiteral("Масштаб: 8:1"));
-  EXPECT_FALSE(a.viewRefresh);
-  a = SliderHChanged(*s, v, 3, false);
-  EXPECT_EQ(v.SliderH, 3);
-  EXPECT_TRUE(a.viewRefresh);
 }
 
 TEST_F(Interaction, StatusPanelsAsButtons) {
@@ -289,19 +275,6 @@ TEST(SignalControls, ControlsFollowANewCurrentChannel) {
   ResetValueElements(v);
   EXPECT_EQ(v.SliderH, 0);
   EXPECT_EQ(v.HScroll1, 1);
-}
-
-TEST(SignalControls, BarsTakeTheirPlaceAndTooSmallAWindowMovesNothing) {
-  SignalViewOptions o;
-  const SignalLayout l = FormResize(600, 400, o);
-  EXPECT_TRUE(l.moved);
-  EXPECT_TRUE(l.statusBar.visible);
-  EXPECT_TRUE(l.statusBarParameter.visible);
-  EXPECT_EQ(l.picture.height, 400 - 22 - 22 - 15 - 17 - 24);
-  EXPECT_EQ(l.picture.width, 600 - 17 - 24);
-  o.Control = o.StatusBar = o.StatusBarParameter = false;
-  EXPECT_EQ(FormResize(600, 400, o).picture.height, 400);
-  EXPECT_FALSE(FormResize(10, 400, o).moved);
 }
 
 }  // namespace

@@ -176,18 +176,5 @@ TEST(ParameterTable, OneLinePerKindOfChannel) {
   EXPECT_EQ(ParameterTableText(*s, o, r, {}), FormatStandard(5) + QStringLiteral(" В"));
 }
 
-TEST(ParameterTable, LineIsCentredAndFitsThePicture) {
-  FontMetrics fm;
-  const DrawList list = BuildParameterTable(QStringLiteral("123,45 мкм"), 400, 150, 0xFFFFFF, 0, fm);
-  ASSERT_EQ(list.items.size(), 1u);
-  const Text& t = std::get<Text>(list.items[0]);
-  EXPECT_EQ(t.x, 200);
-  EXPECT_EQ(t.y, 75);
-  EXPECT_EQ(t.anchor, TextAnchor::Center);
-  EXPECT_GE(t.pointSize, 6);
-  EXPECT_LE(t.pointSize, 50);
-  EXPECT_TRUE(BuildParameterTable(QStringLiteral("x"), 0, 0, 0, 0, fm).items.empty());
-}
-
 }  // namespace
 }  // namespace aqx
