@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <stdexcept>
 
 namespace aqx::testing {
 
@@ -39,6 +40,7 @@ class FileBytes {
 
  private:
   FileBytes& raw(size_t at, const void* p, size_t n) {
+    if (at > size() || n > size() - at) throw std::out_of_range("FileBytes: write past the end");
     std::memcpy(bytes_.data() + at, p, n);  // the tests run on little-endian machines
     return *this;
   }
