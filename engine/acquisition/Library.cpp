@@ -81,9 +81,24 @@ ChannelPlan PlanChannels(int32_t usedCount, const int32_t* Channel, const int32_
   return plan;
 }
 
+namespace {
+// Channels side by side from the first one on: a row moves in one piece.
+bool Contiguous(const std::vector<int>& columns) {
+  for (size_t j = 1; j < columns.size(); ++j)
+    if (columns[j] != columns[0] + static_cast<int>(j)) return false;
+  return !columns.empty();
+}
+}  // namespace
+
 void SpreadRows(const int16_t* rows, int64_t count, const std::vector<int>& columns,
                 int16_t* SignalData, int64_t firstRow) {
   const size_t width = columns.size();
+  if (Contiguous(columns)) {
+    for (int64_t r = 0; r < count; ++r)
+      std::memcpy(SignalData + (firstRow + r) * 32 + columns[0], rows + r * static_cast<int64_t>(width),
+                  width * sizeof(int16_t));
+    return;
+  }
   for (int64_t r = 0; r < count; ++r) {
     int16_t* dst = SignalData + (firstRow + r) * 32;
     const int16_t* src = rows + r * static_cast<int64_t>(width);
@@ -92,6 +107,11 @@ void SpreadRows(const int16_t* rows, int64_t count, const std::vector<int>& colu
 }
 
 void ClearRows(const std::vector<int>& columns, int16_t* SignalData, int64_t first, int64_t end) {
+  if (Contiguous(columns)) {
+    for (int64_t r = first; r < end; ++r)
+      std::memset(SignalData + r * 32 + columns[0], 0, columns.size() * sizeof(int16_t));
+    return;
+  }
   for (int64_t r = first; r < end; ++r) {
     int16_t* dst = SignalData + r * 32;
     for (int c : columns) dst[c] = 0;

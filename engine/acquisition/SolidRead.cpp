@@ -11,6 +11,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 #include <cerrno>
 #include <new>
 #include <vector>
@@ -75,13 +77,20 @@ extern "C" int32_t ReadSolidBlock(int32_t SignalDataN, int32_t ChannelUsedCount,
   posix_fadvise(fd, 0, 0, dense ? POSIX_FADV_SEQUENTIAL : POSIX_FADV_RANDOM);
 
   const int64_t firstFileRow = (block - 1) * rows * scale;
+  // The file is little-endian; channels side by side from the first move in
+  // one piece.
+  bool contiguous = std::endian::native == std::endian::little && !plan.columns.empty();
+  for (size_t j = 1; j < plan.columns.size(); ++j)
+    contiguous = contiguous && plan.columns[j] == plan.columns[0] + static_cast<int>(j);
   const auto place = [&](int64_t i, const char* row) {
     int16_t* dst = SignalData + i * AQX_SIGNAL_COLUMNS;
+    if (contiguous) {
+      std::memcpy(dst + plan.columns[0], row, plan.columns.size() * sizeof(int16_t));
+      return;
+    }
     for (size_t j = 0; j < plan.columns.size(); ++j) {
-      int16_t code;
       const unsigned char* b = reinterpret_cast<const unsigned char*>(row) + 2 * j;
-      code = static_cast<int16_t>(b[0] | b[1] << 8);
-      dst[plan.columns[j]] = code;
+      dst[plan.columns[j]] = static_cast<int16_t>(b[0] | b[1] << 8);
     }
   };
   const auto clear = [&](int64_t i) {
