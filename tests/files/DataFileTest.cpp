@@ -1,7 +1,6 @@
 // The current layout: writing, reading back, and the rules of the format.
 #include "DataFileTestSupport.h"
 #include "files/DataFile.h"
-#include "files/FileReaders.h"
 
 #include <QTemporaryDir>
 
@@ -350,12 +349,6 @@ TEST_F(DataFileTest, ContinuousRecordingTakesItsRateFromTheModuleRate) {
   EXPECT_EQ(back.ChannelUsedCount, 3);
   EXPECT_EQ(back.FreqDesc, 10667);
   EXPECT_EQ(back.FreqDescR, 10667);
-}
-
-TEST_F(DataFileTest, StandardReadersOpenDataFilesByExtension) {
-  const FileReaderTable table = StandardFileReaders();
-  EXPECT_EQ(FindFileReader(table, QStringLiteral("/x/y.AQX")), &ReadDataFile);
-  EXPECT_EQ(FindFileReader(table, QStringLiteral("/x/y.txt")), nullptr);
 }
 
 TEST_F(DataFileTest, ResetFileDefaultsSetsWhatOlderLayoutsLack) {
