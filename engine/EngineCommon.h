@@ -82,18 +82,6 @@ inline const int16_t* CodePtr(const int16_t* signalData, int32_t row, int32_t co
   return signalData + static_cast<size_t>(row - 1) * kColumns + static_cast<size_t>(column);
 }
 
-// Rows read ahead when one column is walked down the store: one sample per
-// 64-byte row defeats the hardware prefetcher at every 4 KiB page, so the
-// loops ask for the row a page further on themselves.
-inline constexpr int32_t kPrefetchRows = 128;
-
-// Asks for row `ahead` (0-based within a walk of `count` rows) of the column
-// that `base` points into, held to the walk so no pointer leaves the store.
-inline void PrefetchRow(const int16_t* base, int32_t ahead, int32_t count) {
-  const int32_t row = ahead < count ? ahead : count - 1;
-  __builtin_prefetch(base + static_cast<size_t>(row) * kColumns);
-}
-
 // Channel factor with the garbage cases (0, NaN, missing table) turned into 1,
 // so that a division never produces infinities.
 inline double SafeKu(const float* ku, int32_t column) {

@@ -88,7 +88,6 @@ extern "C" int32_t AccountDataBuildSignal(int32_t widthPixels, int32_t centreLin
       int16_t lo0 = *p, hi0 = *p, lo1 = *p, hi1 = *p;
       int32_t i = start;
       for (; i + 1 < end; i += 2, p += 2 * kColumns) {
-        PrefetchRow(src, i + kPrefetchRows, n);
         lo0 = std::min(lo0, p[0]);
         hi0 = std::max(hi0, p[0]);
         lo1 = std::min(lo1, p[kColumns]);

@@ -60,10 +60,7 @@ Complex WindowedLine(const Complex* x, int32_t L, int32_t k) {
 void TransformBlock(const int16_t* signalData, int32_t column, int32_t firstRow, int32_t L,
                     const FftPlan& plan, double* buffer) {
   const int16_t* src = signalData + static_cast<size_t>(firstRow - 1) * kColumns + column;
-  for (int32_t i = 0; i < L; ++i) {
-    PrefetchRow(src, i + kPrefetchRows, L);
-    buffer[i] = src[static_cast<size_t>(i) * kColumns];
-  }
+  for (int32_t i = 0; i < L; ++i) buffer[i] = src[static_cast<size_t>(i) * kColumns];
   plan.execute(buffer);
 }
 

@@ -37,7 +37,7 @@ namespace {
 // One loop per case, so that neither carries a branch that keeps it from
 // vectorising.
 template <bool kRotate>
-void WindowedLinesLoop(const double* x, int32_t first, int32_t last, const double* rotation,
+[[gnu::always_inline]] inline void WindowedLinesLoop(const double* x, int32_t first, int32_t last, const double* rotation,
                        double lineScale, double* amplitude, double* phase, double* real) {
   constexpr double toDegrees = 180.0 / kPi;
   for (int32_t k = first; k < last; ++k) {
@@ -57,19 +57,10 @@ void WindowedLinesLoop(const double* x, int32_t first, int32_t last, const doubl
   }
 }
 
-}  // namespace
-
-void WindowedLines(const double* x, int32_t first, int32_t last, const double* rotation,
-                   double lineScale, double* amplitude, double* phase, double* real) {
-  if (rotation != nullptr) {
-    WindowedLinesLoop<true>(x, first, last, rotation, lineScale, amplitude, phase, real);
-  } else {
-    WindowedLinesLoop<false>(x, first, last, rotation, lineScale, amplitude, phase, real);
-  }
-}
-
-void AccumulateLines(const double* x, int32_t first, int32_t last, const double* rotation,
-                     double* magnitudes, double* sums) {
+// The accumulation of one block's lines into the running sums.
+[[gnu::always_inline]] inline void AccumulateLinesLoop(const double* x, int32_t first, int32_t last,
+                                                       const double* rotation, double* magnitudes,
+                                                       double* sums) {
   for (int32_t k = first; k < last; ++k) {
     double zr = 0.5 * x[2 * k] - 0.25 * (x[2 * k - 2] + x[2 * k + 2]);
     double zi = 0.5 * x[2 * k + 1] - 0.25 * (x[2 * k - 1] + x[2 * k + 3]);
@@ -81,6 +72,63 @@ void AccumulateLines(const double* x, int32_t first, int32_t last, const double*
     magnitudes[k] += std::sqrt(zr * zr + zi * zi);
     sums[2 * k] += zr;
     sums[2 * k + 1] += zi;
+  }
+}
+
+[[gnu::always_inline]] inline void WindowedAny(const double* x, int32_t first, int32_t last,
+                                                const double* rotation, double lineScale,
+                                                double* amplitude, double* phase, double* real) {
+  if (rotation != nullptr) {
+    WindowedLinesLoop<true>(x, first, last, rotation, lineScale, amplitude, phase, real);
+  } else {
+    WindowedLinesLoop<false>(x, first, last, rotation, lineScale, amplitude, phase, real);
+  }
+}
+
+// Each loop twice: for processors with AVX2 and FMA, twice as wide, and for
+// the rest, chosen at run time (a function-multiversioning dispatcher would
+// be exported from the library; these stay internal).
+[[gnu::target("arch=x86-64-v3")]] void WindowedWide(const double* x, int32_t first, int32_t last,
+                                                    const double* rotation, double lineScale,
+                                                    double* amplitude, double* phase, double* real) {
+  WindowedAny(x, first, last, rotation, lineScale, amplitude, phase, real);
+}
+
+void WindowedBase(const double* x, int32_t first, int32_t last, const double* rotation,
+                  double lineScale, double* amplitude, double* phase, double* real) {
+  WindowedAny(x, first, last, rotation, lineScale, amplitude, phase, real);
+}
+
+[[gnu::target("arch=x86-64-v3")]] void AccumulateWide(const double* x, int32_t first, int32_t last,
+                                                      const double* rotation, double* magnitudes,
+                                                      double* sums) {
+  AccumulateLinesLoop(x, first, last, rotation, magnitudes, sums);
+}
+
+void AccumulateBase(const double* x, int32_t first, int32_t last, const double* rotation,
+                    double* magnitudes, double* sums) {
+  AccumulateLinesLoop(x, first, last, rotation, magnitudes, sums);
+}
+
+bool Wide() { return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"); }
+
+}  // namespace
+
+void WindowedLines(const double* x, int32_t first, int32_t last, const double* rotation,
+                   double lineScale, double* amplitude, double* phase, double* real) {
+  if (Wide()) {
+    WindowedWide(x, first, last, rotation, lineScale, amplitude, phase, real);
+  } else {
+    WindowedBase(x, first, last, rotation, lineScale, amplitude, phase, real);
+  }
+}
+
+void AccumulateLines(const double* x, int32_t first, int32_t last, const double* rotation,
+                     double* magnitudes, double* sums) {
+  if (Wide()) {
+    AccumulateWide(x, first, last, rotation, magnitudes, sums);
+  } else {
+    AccumulateBase(x, first, last, rotation, magnitudes, sums);
   }
 }
 
