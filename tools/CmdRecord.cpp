@@ -5,6 +5,7 @@
 #include "core/Config.h"
 #include "core/EngineErrors.h"
 #include "core/Numeric.h"
+#include "core/VirtualUnit.h"
 #include "engine/Aquilonix.h"
 #include "files/DataFile.h"
 #include "tools/RecordRun.h"
@@ -64,10 +65,6 @@ class StopSignals {
   bool stopAsked_ = false;
 };
 
-void SetIfUnset(const char* key, const QString& value) {
-  setenv(key, value.toUtf8().constData(), 0);
-}
-
 double Seconds(std::chrono::steady_clock::time_point since) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
 }
@@ -82,15 +79,6 @@ void TellStopFailure(Prompts& p, int32_t result) {
 QString ModuleTagOf(const char* moduleText) { return QString::fromLatin1(moduleText, static_cast<qsizetype>(strnlen(moduleText, 16))); }
 
 }  // namespace
-
-void ExportVirtualUnit(const AppState& s) {
-  QStringList types;
-  for (int c = 1; c <= kMaxChannels; ++c) types << QString::number(std::clamp(s.channels.Type[c], 0, 9));
-  SetIfUnset("AQX_VIRTUAL_CHANNELS", types.join(QLatin1Char(',')));
-  if (s.FreqRotorN > 0) SetIfUnset("AQX_VIRTUAL_RPM", QString::number(s.FreqRotorN, 'g', 10));
-  if (s.Polus >= 2) SetIfUnset("AQX_VIRTUAL_POLES", QString::number(s.Polus));
-  if (s.FreqSety > 0) SetIfUnset("AQX_VIRTUAL_MAINS_HZ", QString::number(s.FreqSety));
-}
 
 bool RunCyclicMeasurement(AppState& s, Prompts& p, double seconds, FILE* progress) {
   RecountChannelUsedCount(s);

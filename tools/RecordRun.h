@@ -10,10 +10,7 @@
 
 namespace aqx::tool {
 
-// Tells the built-in virtual module the unit it imitates: the channel types
-// of the state, its rated speed, poles and mains frequency. Variables the
-// user has set already are left alone.
-void ExportVirtualUnit(const AppState& s);
+// Both tell the virtual module the unit first (ExportVirtualUnit).
 
 // Cyclic run of `seconds` (at least one whole cycle unless interrupted);
 // the newest cycle ends up in SignalData. Returns false after telling the
