@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 using namespace aqx::test;
 
 namespace {
@@ -177,4 +179,22 @@ TEST(EngineSpectrum, IntegrationDividesByTheAngularFrequency) {
   EXPECT_EQ(a[0], 0.0);
   for (int k = 1; k < 100; ++k) EXPECT_NEAR(a[k], 1.0, 1e-12);
   EXPECT_EQ(largest, 1);
+}
+
+TEST(EngineSpectrum, CallersOnTwoThreadsShareThePlansSafely) {
+  Store store(kRowsUsed);
+  store.fill(1, kRowsUsed, [](int32_t row) { return Sine(row, 64, 3000, 0) + Sine(row, 100, 500, 90); });
+  auto run = [&](int32_t last, double* amplitudeAt64) {
+    for (int i = 0; i < 20; ++i) {
+      Request r;
+      r.last = last - 16 * (i % 3);  // several sizes, so plans are made while others run
+      *amplitudeAt64 = Analyse(store, r).amplitude[static_cast<size_t>(r.last / 16)];
+    }
+  };
+  double a = 0, b = 0;
+  std::thread other(run, 4096, &a);
+  run(8192, &b);
+  other.join();
+  EXPECT_NEAR(a, 3000, 30);
+  EXPECT_NEAR(b, 3000, 30);
 }
