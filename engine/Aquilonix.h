@@ -134,8 +134,9 @@ AQX_API int32_t DigitalLinesTtlOut(int32_t state);
  * Arguments out of range never make the library read or write outside the
  * arrays described here: SignalDataN is held to 0..1,048,576, rows to
  * 1..SignalDataN, a reversed or empty stretch gives the "empty" result told
- * at each function, a missing (null) required array makes the call do
- * nothing, and optional arrays may be null.
+ * at each function, a missing (null) required array makes the call return at
+ * once with no more than the empty results it describes, and optional arrays
+ * may be null.
  *
  * Per-channel arrays hold 32 entries, channel c (from 1) at index c-1. Rows
  * (samples) are numbered from 1. All spectra use a Hann window per block with
@@ -372,8 +373,10 @@ AQX_API int32_t AccountProbe(int32_t FirstChannelActive, int32_t SpectrLineCount
 /* Band levels of channel `channel` (from 1) over the same stretch as
  * AccountSpectrFull. Entry 0: 0-200 Hz, 1: 0-1 Hz (0-20 Hz for a run-out
  * channel, Type 0, which the run-out panel prints), 2: 1-30 Hz, 3: 30-200 Hz.
- * The signal limited to each band (zero phase, edges cosine-tapered over a
- * tenth of the edge frequency) is cut into revolutions between consecutive
+ * The signal limited to each band (the Butterworth high and low passes of
+ * AccountFilter, zero phase, -3 dB at the band's edges; a 0 Hz edge is no
+ * filter, an edge above half the sampling frequency none either, and a band
+ * lying wholly above it gives 0) is cut into revolutions between consecutive
  * marks, or into nominal revolutions of 60/FreqRotorN s without marks (the
  * whole stretch when neither is known); the 0-1 Hz band joins them to at
  * least 1 s. BandMax = the largest and BandMean = the mean peak-to-peak swing

@@ -92,10 +92,9 @@ TEST(EngineFilter, EdgesCarryNoStartUpTransient) {
 }
 
 TEST(EngineFilter, EmptyOrImpossibleEntriesAndOffChannelsLeaveSamples) {
-  constexpr int32_t n = 4096;
-  Store store(n);
-  store.fill(1, n, [](int32_t row) { return 1000 * std::sin(row * 0.37); });
-  store.fill(2, n, [](int32_t row) { return 1000 * std::sin(row * 0.37); });
+  Store store(4096);
+  store.fill(1, 4096, [](int32_t row) { return 1000 * std::sin(row * 0.37); });
+  store.fill(2, 4096, [](int32_t row) { return 1000 * std::sin(row * 0.37); });
   const std::vector<int16_t> before = store.codes;
   std::array<float, 128> filter;
   filter.fill(-1.0f);
@@ -104,7 +103,7 @@ TEST(EngineFilter, EmptyOrImpossibleEntriesAndOffChannelsLeaveSamples) {
   filter[5] = 10.0f;   // channel 2 is off
   auto channel = PerChannel(0);
   channel[0] = 1;
-  AccountFilter(channel.data(), filter.data(), nullptr, nullptr, store.data(), n, 1000, 0);
+  AccountFilter(channel.data(), filter.data(), nullptr, nullptr, store.data(), 4096, 1000, 0);
   EXPECT_EQ(store.codes, before);
 }
 

@@ -171,16 +171,6 @@ TEST(EngineSpectrum, TransformOfImpulseAndSineThroughFFT) {
   EXPECT_TRUE(amplitude.guardIntact());
 }
 
-TEST(EngineSpectrum, IntegrationDividesByTheAngularFrequency) {
-  std::vector<double> a(100);
-  for (int k = 0; k < 100; ++k) a[k] = 2 * kPi * k * 0.5;
-  int32_t largest = 0;
-  IntegralSpectr(a.data(), 100, 0.5, &largest);
-  EXPECT_EQ(a[0], 0.0);
-  for (int k = 1; k < 100; ++k) EXPECT_NEAR(a[k], 1.0, 1e-12);
-  EXPECT_EQ(largest, 1);
-}
-
 TEST(EngineSpectrum, CallersOnTwoThreadsShareThePlansSafely) {
   Store store(kRowsUsed);
   store.fill(1, kRowsUsed, [](int32_t row) { return Sine(row, 64, 3000, 0) + Sine(row, 100, 500, 90); });
