@@ -5,7 +5,9 @@
 #include "core/OpenFile.h"
 #include "files/DataFile.h"
 #include "ui/CopyPicture.h"
+#include "ui/Icons.h"
 #include "ui/MainWindow.h"
+#include "ui/MeasurementRun.h"
 #include "ui/ParametersWindow.h"
 #include "ui/SignalWindow.h"
 #include "ui/ViewOptions.h"
@@ -24,7 +26,7 @@ namespace aqx::ui {
 // File menu.
 // ---------------------------------------------------------------------------
 
-void MainWindow::mnuFileRecord() {}
+void MainWindow::mnuFileRecord() { run_->press(); }
 
 void MainWindow::mnuFileOpen() {
   OpenFileContext ctx = context();
@@ -32,7 +34,7 @@ void MainWindow::mnuFileOpen() {
 }
 
 void MainWindow::mnuFileSave() {
-  if (!HasData(s_)) return;
+  if (!HasData(s_) || measuring_) return;
   if (!SaveDataFileCommand(s_, prompts_)) return;
   AddNewRecentFile(store_, s_.PathFileData);
   ReadRecentFile();
@@ -81,7 +83,7 @@ void MainWindow::mnuViewStatusBar() {
 void MainWindow::mnuViewSignal() {
   if (signalWindow()) {
     closeView(frmViewSignal);
-  } else if (HasData(s_)) {
+  } else if (hasData()) {
     openView(frmViewSignal);
     ViewRefresh();
   }
@@ -91,7 +93,7 @@ void MainWindow::mnuViewSignal() {
 void MainWindow::mnuViewParameters() {
   if (parametersWindow()) {
     closeView(kParametersWindow);
-  } else if (HasData(s_)) {
+  } else if (hasData()) {
     openView(kParametersWindow);
     ViewRefresh();
   }
@@ -154,6 +156,7 @@ void MainWindow::ActivateElements(bool run) {
   QAction* record = action(QStringLiteral("mnuFileRecord"));
   record->setText(run ? QStringLiteral("Останов измерений") : QStringLiteral("Пуск измерений"));
   record->setToolTip(record->text());
+  record->setIcon(MakeToolIcon(run ? ToolIcon::Stop : ToolIcon::Record));
   RefreshToolbarMainMenu();
 }
 
@@ -238,8 +241,10 @@ QMdiSubWindow* MainWindow::openView(int window) {
   sub->setWindowIcon(content->windowIcon());
   sub->setObjectName(content->objectName() + QStringLiteral("Frame"));
   *slot = sub;
+  // While the frame is being destroyed its pointers still stand; the menus
+  // follow once it is gone.
   connect(sub, &QObject::destroyed, this, [this] {
-    if (!closingViews_) RefreshToolbarMainMenu();
+    QMetaObject::invokeMethod(this, [this] { RefreshToolbarMainMenu(); }, Qt::QueuedConnection);
   });
   const QSize area = mdi_->viewport()->size();
   sub->resize(window == kParametersWindow ? QSize(area.width() / 2, area.height() / 3)
@@ -256,19 +261,15 @@ void MainWindow::closeView(int window) {
 }
 
 void MainWindow::closeAllViews() {
-  closingViews_ = true;
   closeView(frmViewSignal);
   closeView(kParametersWindow);
-  closingViews_ = false;
 }
 
 void MainWindow::SetViewStyle() {
   updateViewChecks();
-  closingViews_ = true;
   closeAllViews();
-  closingViews_ = false;
   const ViewStyleDef style = ViewStyleDefinition(s_.ViewStyle);
-  if (!HasData(s_) || style.windows.empty()) {
+  if (!hasData() || style.windows.empty()) {
     RefreshToolbarMainMenu();
     return;
   }

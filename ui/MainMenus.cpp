@@ -57,10 +57,9 @@ void MainWindow::buildMenus() {
 void MainWindow::buildFileMenu() {
   mnuFile_ = menuBar()->addMenu(QStringLiteral("Файл"));
   mnuFile_->setObjectName(QStringLiteral("mnuFile"));
-  QAction* record = addCommand(mnuFile_, "mnuFileRecord", QStringLiteral("Пуск измерений"), &MainWindow::mnuFileRecord, false);
-  record->setProperty("later", true);
+  QAction* record = addCommand(mnuFile_, "mnuFileRecord", QStringLiteral("Пуск измерений"), &MainWindow::mnuFileRecord);
+  record->setCheckable(true);
   record->setIcon(MakeToolIcon(ToolIcon::Record));
-  record->setToolTip(QStringLiteral("Пуск измерений (") + QString::fromUtf8(kLaterHint).toLower() + QStringLiteral(")"));
   mnuFile_->addSeparator();
   QAction* open = addCommand(mnuFile_, "mnuFileOpen", QStringLiteral("Открыть ..."), &MainWindow::mnuFileOpen);
   open->setIcon(MakeToolIcon(ToolIcon::Open));

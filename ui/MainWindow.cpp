@@ -4,6 +4,7 @@
 #include "core/ConfigWriters.h"
 #include "core/Startup.h"
 #include "ui/Icons.h"
+#include "ui/MeasurementRun.h"
 #include "ui/PanelBar.h"
 #include "ui/ParametersWindow.h"
 #include "ui/SignalWindow.h"
@@ -72,6 +73,16 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   buildMenus();
   buildToolbars();
   buildStatusBar();
+  MeasurementRun::Hooks runHooks;
+  runHooks.activateElements = [this](bool running) {
+    ActivateElements(running);
+    RefreshStatusBar();
+    // The live cycle needs its views.
+    if (running && mdi_->subWindowList().isEmpty()) SetViewStyle();
+  };
+  runHooks.refreshToolbars = [this] { RefreshToolbarMainMenu(); };
+  runHooks.viewRefresh = [this] { ViewRefresh(false); };
+  run_ = new MeasurementRun(s_, prompts_, std::move(runHooks), this);
   if (const QScreen* screen = QGuiApplication::primaryScreen()) {
     const QRect area = screen->availableGeometry();
     resize(area.width() * 9 / 10, area.height() * 9 / 10);
@@ -80,7 +91,6 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
 }
 
 MainWindow::~MainWindow() {
-  closingViews_ = true;
   // The view windows save their settings as they close; they must go
   // while the state and the store they write to are still there.
   delete signalSub_.data();
@@ -99,7 +109,12 @@ OpenFileContext MainWindow::context() {
   hooks.resetSignalViewBlock = [this](AppState&) {
     if (SignalWindow* w = signalWindow()) w->ResetValueElements();
   };
-  hooks.refreshToolbars = [this](AppState&) {
+  hooks.refreshToolbars = [this](AppState& s) {
+    // Without imposition the view shows exactly one channel, whatever the
+    // file says: the current one.
+    if (!s.Imposition && s.FirstChannelActive >= 1 && s.FirstChannelActive <= kMaxChannels) {
+      for (int c = 1; c <= kMaxChannels; ++c) s.channels.Active[c] = c == s.FirstChannelActive ? 1 : 0;
+    }
     RefreshToolbarMainMenu();
     RefreshToolbarChannels();
     RefreshStatusBar();
@@ -144,6 +159,7 @@ bool MainWindow::OpenFile(const QString& path) {
 }
 
 bool MainWindow::dropFiles(const QStringList& paths) {
+  if (measuring_) return false;
   OpenFileContext ctx = context();
   return DropFilesCommand(ctx, paths);
 }
@@ -169,8 +185,10 @@ QToolButton* MainWindow::channelButton(int channel) const {
 // Toolbars, status bar, recent files.
 // ---------------------------------------------------------------------------
 
+bool MainWindow::hasData() const { return HasData(s_) || measuring_; }
+
 void MainWindow::RefreshToolbarMainMenu() {
-  const bool data = HasData(s_);
+  const bool data = hasData();
   static_cast<Workspace*>(mdi_)->hint =
       data ? QString()
            : QStringLiteral("Откройте файл данных: меню \"Файл\" → \"Открыть ...\",\n"
@@ -185,6 +203,11 @@ void MainWindow::RefreshToolbarMainMenu() {
   action(QStringLiteral("mnuViewParameters"))->setEnabled(data);
   for (int k = 0; k < kViewStyleCount; ++k) action(QStringLiteral("mnuViewStyle%1").arg(k))->setEnabled(data);
   for (QAction* a : recentActions_) a->setEnabled(idle);
+  QAction* record = action(QStringLiteral("mnuFileRecord"));
+  record->setChecked(run_->requested());
+  // A stop is under way until the next tick; continuous recording comes
+  // with the record settings window.
+  record->setEnabled(!run_->stopping() && !s_.SolidMode);
   updateViewChecks();
 }
 
@@ -319,6 +342,11 @@ void MainWindow::ViewRefresh(bool cheap) {
 // ---------------------------------------------------------------------------
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+  // A run is stopped first, so that its cycle counts as unsaved data.
+  if (run_->running()) {
+    if (run_->requested()) run_->press();
+    run_->tick();
+  }
   if (!ConfirmCloseProgram(s_, prompts_)) {
     event->ignore();
     return;

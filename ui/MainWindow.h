@@ -25,6 +25,7 @@ class QToolButton;
 
 namespace aqx::ui {
 
+class MeasurementRun;
 class PanelBar;
 class ParametersWindow;
 class SignalWindow;
@@ -69,6 +70,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   QMenu* signalMenu() const { return mnuSignal_; }
   // Files dropped on the window (the drop handler's work, callable directly).
   bool dropFiles(const QStringList& paths);
+  MeasurementRun* measurementRun() const { return run_; }
 
   // ViewHost.
   AppState& state() override { return s_; }
@@ -134,6 +136,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   void applyBackground();
   void refreshSignalMenuChecks();
   void updateViewChecks();
+  // A recording is in memory or coming in.
+  bool hasData() const;
 
   AppState& s_;
   SettingsStore& store_;
@@ -157,9 +161,9 @@ class MainWindow : public QMainWindow, public ViewHost {
   QHash<QString, QAction*> actions_;
   std::vector<QAction*> recentActions_;
   QAction* recentLine_ = nullptr;
+  MeasurementRun* run_ = nullptr;
   bool measuring_ = false;
   bool refreshing_ = false;
-  bool closingViews_ = false;
 };
 
 }  // namespace aqx::ui

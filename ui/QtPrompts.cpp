@@ -113,7 +113,10 @@ NoticeWindow::NoticeWindow(QWidget* owner)
 }
 
 void NoticeWindow::showLines(const QStringList& lines) {
-  label_->setText(lines.mid(0, 3).join(QLatin1Char('\n')));
+  QStringList shown;
+  for (const QString& line : lines.mid(0, 3))
+    if (!line.isEmpty()) shown << line;
+  label_->setText(shown.join(QLatin1Char('\n')));
   adjustSize();
   const QWidget* owner = parentWidget();
   QRect area = owner ? owner->frameGeometry() : QRect();
