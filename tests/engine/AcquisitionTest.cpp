@@ -479,3 +479,38 @@ TEST(AcquisitionReplay, PlaysTheChannelsOfAFileAtItsRate) {
   EXPECT_EQ(Start(On({1}), freq, 200), 3);
   std::remove(path.c_str());
 }
+
+TEST(AcquisitionReplay, PlaysAContinuousRecordingRowByRow) {
+  EnvScope env;
+  // SolidMode -1 at 6138, FreqADC 4000 at 6165, channels 2 and 3 on; rows of
+  // two codes from byte 14173 on.
+  std::vector<unsigned char> file(14173 + 100 * 4, 0);
+  std::memcpy(file.data(), "Aquilonix ", 10);
+  PutInt32(file, 14, 12);
+  PutInt32(file, 202 + 4, 1);
+  PutInt32(file, 202 + 8, 1);
+  PutInt16(file, 6138, -1);
+  PutInt32(file, 6165, 4000);
+  for (int r = 0; r < 100; ++r) {
+    PutInt16(file, 14173 + 4 * static_cast<size_t>(r), static_cast<int16_t>(1000 + r));
+    PutInt16(file, 14173 + 4 * static_cast<size_t>(r) + 2, static_cast<int16_t>(-1000 - r));
+  }
+  const std::string path = TempPath("replay-solid.aqx");
+  WriteBytes(path, file);
+  env.set("AQX_MODULE", "replay").set("AQX_REPLAY_FILE", path);
+  auto store = MakeStore(0, 151);
+  int32_t freq = 1;
+  ASSERT_EQ(Start(On({2, 3}), freq, 150, 10), 0);
+  EXPECT_EQ(freq, 2000);  // 4000 Hz over the file's two channels
+  WaitForRows(store.get(), 2, 149, 5000);
+  CopySignalData(store.get());
+  EXPECT_EQ(StopPotok(), 0);
+  const int64_t phase = At(store.get(), 0, 2) - 1000;
+  ASSERT_GE(phase, 0);
+  ASSERT_LT(phase, 100);
+  for (int64_t r = 0; r < 150; ++r) {
+    EXPECT_EQ(At(store.get(), r, 2), 1000 + (phase + r) % 100) << r;
+    EXPECT_EQ(At(store.get(), r, 3), -1000 - (phase + r) % 100) << r;
+  }
+  std::remove(path.c_str());
+}
