@@ -215,8 +215,12 @@ void DrawMachineHall(QPainter& p, const QRectF& r) {
     const double rx = 38 * scale * r.width() / 360, ry = 11 * scale * r.height() / 220;
     p.setPen(QPen(QColor(50, 50, 50), 1));
     p.setBrush(QColor(180, 40, 40));
-    p.drawRect(QRectF(cx - rx, cy - ry - 14 * scale, 2 * rx, 14 * scale));
     p.drawEllipse(QPointF(cx, cy), rx, ry);
+    p.setPen(Qt::NoPen);
+    p.drawRect(QRectF(cx - rx, cy - 14 * scale, 2 * rx, 14 * scale));
+    p.setPen(QPen(QColor(50, 50, 50), 1));
+    p.drawLine(QPointF(cx - rx, cy - 14 * scale), QPointF(cx - rx, cy));
+    p.drawLine(QPointF(cx + rx, cy - 14 * scale), QPointF(cx + rx, cy));
     p.setBrush(QColor(210, 70, 60));
     p.drawEllipse(QPointF(cx, cy - 14 * scale), rx, ry);
     p.setBrush(QColor(160, 165, 175));

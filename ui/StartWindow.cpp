@@ -48,10 +48,9 @@ StartWindow::StartWindow(int picture, int waitMs, QWidget* parent)
                       QColor(220, 230, 250));
   lblVer_->setGeometry(370, 28, 170, 24);
   lblVer_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  lblRemark_ = MakeLabel(this, QStringLiteral("Комплекс наблюдения за гидроагрегатом"), 14, true,
+  lblRemark_ = MakeLabel(this, QStringLiteral("Комплекс наблюдения\nза гидроагрегатом"), 13, true,
                          QColor(30, 40, 70));
-  lblRemark_->setGeometry(366, 78, 180, 64);
-  lblRemark_->setWordWrap(true);
+  lblRemark_->setGeometry(366, 78, 186, 48);
   lblPropertyMain_ = MakeLabel(this, caption.description, 13, false, QColor(60, 60, 70));
   lblPropertyMain_->setGeometry(370, 200, 175, 40);
   lblPropertyMain_->setWordWrap(true);
