@@ -2,6 +2,7 @@
 
 #include "core/EngineErrors.h"
 #include "core/Numeric.h"
+#include "core/VirtualUnit.h"
 #include "engine/Aquilonix.h"
 
 #include <QApplication>
@@ -56,6 +57,8 @@ void MeasurementRun::press() {
   const int32_t bufferLength =
       1 << std::clamp(IntFloor(std::log2(std::max(refreshSeconds * s_.FreqDescR, 1.0))), 0, 20);
   std::array<char, 17> moduleText{};
+  // The virtual module learns the channel types and the unit from the state.
+  ExportVirtualUnit(s_);
   const int32_t started =
       StartPotok(s_.ChannelUsedCount, s_.channels.Channel.data(), s_.channels.Volume.data(), s_.SignalDataN,
                  &s_.FreqDescR, bufferLength, s_.InputMode, s_.SynchroAdType, s_.SynchroAdMode, s_.SynchroAdChannel,
