@@ -39,33 +39,6 @@ bool SameValue(const SettingField& a, const SettingField& b) {
          std::visit([&](auto* pa) { return *pa == *std::get<decltype(pa)>(b); }, a);
 }
 
-TEST(ConfigLoad, AFreshUserGetsTheDefaultsAndOnlyGoodRunIsWritten) {
-  MemorySettingsStore store;
-  store.setLocale(kRussian);
-  ScriptedPrompts prompts;
-  AppState s;
-  s.Polus = 1;  // whatever the state held before, the defaults replace it
-  LoadConfig(s, store, prompts);
-  EXPECT_TRUE(prompts.shown.empty());
-  SettingsTree expected;
-  expected[kConfig][QStringLiteral("GoodRun")] = QStringLiteral("0");
-  EXPECT_EQ(store.tree(), expected);
-
-  EXPECT_EQ(s.Polus, 72);
-  EXPECT_DOUBLE_EQ(s.FreqRotorN, 83.3);
-  EXPECT_DOUBLE_EQ(s.StepDesc, 0.082);
-  EXPECT_EQ(s.SignalDataN, 32768);
-  EXPECT_EQ(s.ViewLast, 32768);
-  EXPECT_EQ(s.BlockSizeFFT, kMaxSamples);
-  EXPECT_EQ(s.channels.Active[1], 1) << "no channel was active, so the first became it";
-  EXPECT_EQ(s.channels.Active[2], 0);
-  EXPECT_EQ(s.channels.ChannelColor[32], ChannelColorDefault(32));
-  EXPECT_EQ(s.options.config.BandLabelText, QStringLiteral("0-1кГц"));
-  EXPECT_EQ(s.options.config.ColorTypeKit[9], 57);
-  EXPECT_EQ(s.options.parameters.ValueClearenceMax, 4000);
-  EXPECT_EQ(DefaultSettingText("83.3", kRussian), QStringLiteral("83,3"));
-}
-
 TEST(ConfigLoad, EverySettingSurvivesARestart) {
   QTemporaryDir dir;
   const QString path = dir.filePath(QStringLiteral("Aquilonix.conf"));
@@ -290,38 +263,6 @@ TEST(ConfigLoad, DifferentialModeLeavesChannels17To32Alone) {
   SaveConfig(out, s);
   EXPECT_TRUE(out.contains(kChannel, QStringLiteral("Ku16")));
   EXPECT_FALSE(out.contains(kChannel, QStringLiteral("Ku17")));
-}
-
-TEST(ConfigWriters, EachCommandWritesItsKeysInOneWrite) {
-  MemorySettingsStore store;
-  AppState s;
-  s.options.signal.LineCenter = true;
-  EXPECT_TRUE(SaveOption(store, s, QStringLiteral("Signal"), QStringLiteral("LineCenter")));
-  EXPECT_FALSE(SaveOption(store, s, QStringLiteral("Signal"), QStringLiteral("NoSuchKey")));
-  EXPECT_EQ(store.get(QStringLiteral("Signal"), QStringLiteral("LineCenter")), QStringLiteral("1"));
-  EXPECT_EQ(store.writeCount, 1);
-
-  s.channels.Active[4] = 1;
-  s.FirstChannelActive = 4;
-  SaveChannelActive(store, s, 4);
-  EXPECT_EQ(store.writeCount, 2);
-  EXPECT_EQ(store.get(kChannel, QStringLiteral("Active4")), QStringLiteral("1"));
-  EXPECT_EQ(store.get(kConfig, QStringLiteral("FirstChannelActive")), QStringLiteral("4"));
-
-  s.options.parameters.FileLastLoad = true;
-  s.options.color.ColorGrid = 0x123456;
-  SaveParameterSheet(store, s);
-  EXPECT_EQ(store.writeCount, 3);
-  EXPECT_EQ(store.tree().at(QStringLiteral("Parameters")).size(), 17u);
-  EXPECT_EQ(store.tree().at(QStringLiteral("Color")).size(), 11u);
-  EXPECT_EQ(store.get(QStringLiteral("Color"), QStringLiteral("ColorGrid")), QStringLiteral("1193046"));
-
-  s.ViewStyle = 5;
-  SaveViewStyle(store, s);
-  EXPECT_EQ(store.get(kConfig, QStringLiteral("ViewStyle")), QStringLiteral("5"));
-  EXPECT_EQ(ReadWindowSetting(store, QStringLiteral("Lineka"), QStringLiteral("LinekaH"), -1), -1);
-  SaveWindowSetting(store, QStringLiteral("Lineka"), QStringLiteral("LinekaH"), 240);
-  EXPECT_EQ(ReadWindowSetting(store, QStringLiteral("Lineka"), QStringLiteral("LinekaH"), -1), 240);
 }
 
 }  // namespace

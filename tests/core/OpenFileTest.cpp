@@ -92,24 +92,6 @@ TEST(RecentFiles, AReopenedFileMovesToTheTopWithoutRepeating) {
   EXPECT_EQ(RecentFiles(store), list);
 }
 
-TEST(RecentFiles, CaptionsAreNumberedAndLongPathsShortenedInTheMiddle) {
-  MemorySettingsStore store;
-  const QString longPath = QStringLiteral("/mnt/archive/") + QString(80, QLatin1Char('x')) +
-                           QStringLiteral("/Агрегат 7.aqx");
-  AddNewRecentFile(store, QStringLiteral("/data/a.aqx"));
-  AddNewRecentFile(store, longPath);
-  const QStringList captions = ReadRecentFile(store, 40);
-  ASSERT_EQ(captions.size(), 9);
-  EXPECT_EQ(captions[1], QStringLiteral("&2 /data/a.aqx"));
-  EXPECT_TRUE(captions[2].isEmpty()) << "an empty entry is hidden";
-  const QString shortened = captions[0].mid(3);
-  EXPECT_TRUE(captions[0].startsWith(QStringLiteral("&1 /mnt/archive/")));
-  EXPECT_EQ(shortened.size(), 40);
-  EXPECT_TRUE(shortened.contains(QStringLiteral(" ... ")));
-  EXPECT_TRUE(shortened.endsWith(QStringLiteral("Агрегат 7.aqx")));
-  EXPECT_EQ(ShortenPathMiddle(QStringLiteral("/a.aqx"), 40), QStringLiteral("/a.aqx"));
-}
-
 TEST(UnsavedData, TheQuestionsComeOnlyWhenDataCouldBeLost) {
   AppState s;
   ScriptedPrompts prompts;

@@ -105,27 +105,6 @@ TEST(IniSettings, EveryKindOfValueSurvivesARestart) {
   EXPECT_EQ(reopened.tree(), written);
 }
 
-TEST(IniSettings, QuickSuccessiveRestartsAlwaysSeeTheLatestFile) {
-  QTemporaryDir dir;
-  const QString path = dir.filePath(QStringLiteral("Aquilonix.conf"));
-  for (int run = 1; run <= 30; ++run) {
-    IniSettingsStore store(path);
-    EXPECT_EQ(store.get(QStringLiteral("Aquilonix"), QStringLiteral("Start"), QStringLiteral("0")),
-              QString::number(run - 1));
-    // Same length every time, well within one millisecond of the last write.
-    store.save(QStringLiteral("Aquilonix"), QStringLiteral("Start"), QString::number(run));
-  }
-}
-
-TEST(IniSettings, AHandEditedCommaValueReadsAsItStands) {
-  QTemporaryDir dir;
-  const QString path = dir.filePath(QStringLiteral("Aquilonix.conf"));
-  WriteBytes(path, "[Config]\nFreqRotorN=83,3\nStepDesc = 0,082 \n");
-  IniSettingsStore store(path);
-  EXPECT_EQ(store.get(QStringLiteral("Config"), QStringLiteral("FreqRotorN")), QStringLiteral("83,3"));
-  EXPECT_EQ(store.get(QStringLiteral("Config"), QStringLiteral("StepDesc")), QStringLiteral("0,082"));
-}
-
 TEST(IniSettings, GarbledOrTruncatedFilesOpenAndAreReplacedCleanly) {
   const QByteArray cases[] = {
       QByteArray("[Config]\nPolus=60\nFreqSety=5", 26),            // cut in the middle of a value

@@ -163,16 +163,5 @@ TEST(Startup, TheCommandLineAndTheLastFile) {
   EXPECT_FALSE(off.start());
 }
 
-TEST(Startup, TheSplashPictureCycles) {
-  MemorySettingsStore store;
-  EXPECT_EQ(NextStartUpPicture(store, 3), 1);
-  EXPECT_EQ(NextStartUpPicture(store, 3), 2);
-  EXPECT_EQ(NextStartUpPicture(store, 3), 3);
-  EXPECT_EQ(NextStartUpPicture(store, 3), 1);
-  store.save(kConfig, QStringLiteral("StartUpPicture"), QStringLiteral("мусор"));
-  EXPECT_EQ(NextStartUpPicture(store, 3), 1);
-  EXPECT_EQ(NextStartUpPicture(store, 0), 0);
-}
-
 }  // namespace
 }  // namespace aqx

@@ -44,15 +44,6 @@ TEST(Formats, RussianStandardAndGroupedForms) {
   EXPECT_EQ(FormatGrouped(-0.00001, kRu), QStringLiteral("0,0"));
 }
 
-TEST(Formats, FileSizesByMagnitude) {
-  EXPECT_EQ(FormatFileSize(1023, kRu), QStringLiteral("1023 байт"));
-  EXPECT_EQ(FormatFileSize(2048, kRu), QStringLiteral("2,00 Кб"));
-  EXPECT_EQ(FormatFileSize(3 * 1048576.0, kRu), QStringLiteral("3,00Мб"));
-  EXPECT_EQ(FormatFileSize(1.5 * 1073741824.0, kRu), QStringLiteral("1,50Гб"));
-  EXPECT_EQ(FormatFileSizeShort(512, kRu), QStringLiteral("512 байт"));
-  EXPECT_EQ(FormatFileSizeShort(1536, kRu), QStringLiteral("1,5 Кб"));
-}
-
 TEST(Formats, NumericKeyFilterAndParsing) {
   for (char ch : std::string("0123456789,-+")) EXPECT_EQ(FilterNumericKey(ch), ch);
   EXPECT_EQ(FilterNumericKey(8), 8);  // backspace passes
@@ -71,21 +62,6 @@ class StateTest : public ::testing::Test {
   AppState s;
 };
 
-TEST_F(StateTest, FreshStateHasTheDocumentedDefaults) {
-  EXPECT_EQ(s.Polus, 72);
-  EXPECT_EQ(s.SignalDataN, 32768);
-  EXPECT_EQ(ChannelCount(s), 32);
-  EXPECT_EQ(s.ChannelUsedCount, 32);
-  EXPECT_EQ(s.channels.ChannelColor[1], 0x0000FF);
-  EXPECT_EQ(s.channels.ChannelColor[32], 0x000456);
-  EXPECT_FLOAT_EQ(s.channels.Ku[5], 10.0f);
-  EXPECT_FLOAT_EQ(s.channels.ProbeFreq[32][6], -1.0f);
-  EXPECT_TRUE(s.DataSaved);
-  // The store is the full 64 MiB and starts zeroed at both ends.
-  EXPECT_EQ(s.SignalData.at(1, 1), 0);
-  EXPECT_EQ(s.SignalData.at(kMaxSamples, 32), 0);
-}
-
 TEST_F(StateTest, DifferentialConnectionHidesChannels17To32) {
   s.ChannelDifferential = 1;
   for (int c = 1; c <= 32; ++c) s.channels.Channel[c] = c > 16 ? 1 : 0;
@@ -97,14 +73,6 @@ TEST_F(StateTest, DifferentialConnectionHidesChannels17To32) {
   s.ChannelDifferential = 0;
   EXPECT_EQ(RecountChannelUsedCount(s), 17);
   EXPECT_EQ(FirstMarkerChannel(s), 20);
-}
-
-TEST_F(StateTest, ActiveUsedCountNeedsBothFlags) {
-  for (int c = 1; c <= 32; ++c) s.channels.Active[c] = 0;
-  s.channels.Active[2] = 1;
-  s.channels.Active[4] = 1;
-  s.channels.Channel[4] = 0;
-  EXPECT_EQ(ActiveUsedCount(s), 1);
 }
 
 TEST_F(StateTest, BlockRuleFollowsTheSmallerOfBlockAndRecord) {
@@ -176,53 +144,6 @@ TEST_F(StateTest, CodeToValueUsesGainZeroAndOffsetOption) {
   EXPECT_DOUBLE_EQ(CodeToValue(s, 1, 200), (200 * 1.25 - 40) / 2.5);
   s.AccountOffset = true;
   EXPECT_DOUBLE_EQ(CodeToValue(s, 1, 200), (100 * 1.25 - 40) / 2.5);
-}
-
-TEST_F(StateTest, ClearApplicationDataEmptiesTheRecording) {
-  s.object.Station = QStringLiteral("Станция");
-  ClearApplicationData(s);
-  EXPECT_EQ(s.Polus, 0);
-  EXPECT_EQ(s.object.Agregat, 0);
-  EXPECT_TRUE(s.object.Station.isEmpty());
-  EXPECT_EQ(s.object.Remark[27], QStringLiteral("0"));
-  EXPECT_EQ(s.FirstChannelActive, 0);
-  EXPECT_EQ(s.channels.Channel[7], 0);
-  EXPECT_GT(s.object.RecordDate, 40000.0);
-}
-
-TEST(VocabularyTables, SizesAndKnownRows) {
-  const Vocabulary v = BuildVocabulary();
-  EXPECT_DOUBLE_EQ(v.AmplitudeScales.front(), 10);
-  EXPECT_DOUBLE_EQ(v.AmplitudeScales[3], 100);
-  EXPECT_DOUBLE_EQ(v.AmplitudeScales.back(), 5000000);
-  EXPECT_EQ(v.SensorTypeList.size(), 10);
-  EXPECT_EQ(v.PlaceList.size(), 17);
-  EXPECT_EQ(v.DirectList.size(), 11);
-  EXPECT_EQ(v.StationList.size(), 11);
-  ASSERT_EQ(v.ModeList.size(), 39);
-  EXPECT_EQ(v.ModeList[9], QStringLiteral("Параллельная работа с сетью при Р=10МВт"));
-  EXPECT_EQ(v.ModeList[33], QStringLiteral("Параллельная работа с сетью при Р=250МВт"));
-  EXPECT_EQ(v.ModeList[38], QStringLiteral("Холостой ход без возбуждения при n=1,1nном"));
-  ASSERT_EQ(v.ColorNameList.size(), 64);
-  EXPECT_EQ(v.ColorList[2], 0xFFBF00u);
-  EXPECT_EQ(v.ColorNameList[63], QStringLiteral("Жёлтый / Yellow"));
-  EXPECT_EQ(BandLabel(3).label, QStringLiteral("0-10кГц"));
-  EXPECT_EQ(BandLabel(1).tickCount, 19);
-}
-
-TEST(ScriptedPromptsTest, AnswersInOrderAndRecordsWhatWasShown) {
-  ScriptedPrompts p;
-  p.answers = {PromptAnswer::No};
-  p.texts = {QStringLiteral("/tmp/a.aqx")};
-  EXPECT_EQ(p.ask(QStringLiteral("Вопрос?"), QStringLiteral("Внимание")), PromptAnswer::No);
-  EXPECT_EQ(p.ask(QStringLiteral("Ещё?"), QStringLiteral("Внимание"), PromptButtons::YesNoCancel),
-            PromptAnswer::Yes);
-  EXPECT_EQ(p.chooseOpenFile(QStringLiteral("Открытие"), QStringLiteral("/tmp"), QString()),
-            QStringLiteral("/tmp/a.aqx"));
-  EXPECT_FALSE(p.input(QStringLiteral("Имя"), QStringLiteral("Ввод"), QString()).has_value());
-  ASSERT_EQ(p.messages().size(), 2u);
-  EXPECT_EQ(p.messages()[0].title, QStringLiteral("Внимание"));
-  EXPECT_EQ(p.lastMessage(), QStringLiteral("Ещё?"));
 }
 
 }  // namespace
