@@ -78,25 +78,24 @@ TEST_F(DamagedFiles, FilesOfAFewBytesAreNoDataFiles) {
   }
 }
 
-TEST_F(DamagedFiles, TruncatedSampleAreaIsRefusedBeforeAnythingChanges) {
-  EXPECT_FALSE(Open(CurrentFile(1000, 2 * 999).bytes()));
-  ExpectRefusedWith(QStringLiteral("Файл данных повреждён: по заголовку в нём 1000 отсчётов по 1 каналам"));
-  ExpectUntouched();
-}
-
-TEST_F(DamagedFiles, SampleCountBelowOneIsRefused) {
-  for (int32_t n : {0, -1, -2147483647 - 1}) {
+TEST_F(DamagedFiles, SampleCountsTheFileCannotHoldAreRefusedBeforeAnythingChanges) {
+  const struct {
+    int32_t claimed;
+    size_t sampleBytes;
+    const char* message;
+  } cases[] = {
+      {1000, 2 * 999, "Файл данных повреждён: по заголовку в нём 1000 отсчётов по 1 каналам"},
+      {2147483647, 4096, "Файл данных повреждён: по заголовку"},
+      {0, 64, "Файл данных повреждён: неверное число отсчётов в заголовке"},
+      {-1, 64, "Файл данных повреждён: неверное число отсчётов в заголовке"},
+      {-2147483647 - 1, 64, "Файл данных повреждён: неверное число отсчётов в заголовке"},
+  };
+  for (const auto& c : cases) {
     p.shown.clear();
-    EXPECT_FALSE(Open(CurrentFile(n, 64).bytes())) << n;
-    ExpectRefusedWith(QStringLiteral("Файл данных повреждён: неверное число отсчётов в заголовке"));
+    EXPECT_FALSE(Open(CurrentFile(c.claimed, c.sampleBytes).bytes())) << c.claimed;
+    ExpectRefusedWith(QString::fromUtf8(c.message));
     ExpectUntouched();
   }
-}
-
-TEST_F(DamagedFiles, HugeSampleCountWithoutTheSamplesIsRefused) {
-  EXPECT_FALSE(Open(CurrentFile(2147483647, 4096).bytes()));
-  ExpectRefusedWith(QStringLiteral("Файл данных повреждён: по заголовку"));
-  ExpectUntouched();
 }
 
 TEST_F(DamagedFiles, SampleCountAboveTheStoreKeepsTheFirstSamplesOfEachChannel) {

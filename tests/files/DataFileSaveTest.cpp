@@ -93,13 +93,6 @@ TEST_F(SaveCommand, FailedWriteLeavesTheOldFileAndSaysWhy) {
   EXPECT_TRUE(told.text.endsWith(QStringLiteral("Прежний файл не изменён.")));
 }
 
-TEST_F(SaveCommand, MissingFolderIsTold) {
-  s.PathFileData = path("нет/такой.aqx");
-  EXPECT_FALSE(WriteDataFile(s, p));
-  EXPECT_EQ(p.lastMessage(), QStringLiteral("Не удалось сохранить файл %1: папка не существует.")
-                                 .arg(path("нет/такой.aqx")));
-}
-
 TEST_F(SaveCommand, ReadOnlyFolderIsTold) {
   if (geteuid() == 0) GTEST_SKIP() << "the superuser writes into read-only folders";
   QDir(dir.path()).mkdir(QStringLiteral("ro"));

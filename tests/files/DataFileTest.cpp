@@ -179,24 +179,6 @@ TEST_F(DataFileTest, OnlyTheRecordingsMarkersAreWrittenAndTheLastHeaderByteIsLos
   EXPECT_EQ(back.SignalData.at(1, 1), 0x0155);
 }
 
-TEST_F(DataFileTest, BooleansAndRemarksArePackedAsTheFileHasThem) {
-  AppState s;
-  s.SolidMode = true;
-  s.Imposition = false;
-  s.object.Remark[0] = QStringLiteral("Двенадцать знаков");
-  s.object.Remark[26] = QStringLiteral("последний");
-  s.object.Remark[27] = QStringLiteral("  комментарий  ");
-  s.channels.SensorName[1] = QStringLiteral("  ДВ-1  ");
-  const QByteArray b = BuildFileHeaderBytes(s);
-  EXPECT_EQ(I16At(b, 6138), -1);
-  EXPECT_EQ(I32At(b, 182), 0);
-  EXPECT_EQ(TextAt(b, 6169, 10), QStringLiteral("Двенадцать"));
-  EXPECT_EQ(TextAt(b, 6169 + 260, 10), QStringLiteral("последний "));
-  EXPECT_EQ(TextAt(b, 6439, 15), QStringLiteral("  комментарий  "));
-  EXPECT_EQ(TextAt(b, 3626, 25).trimmed(), QStringLiteral("ДВ-1"));
-  EXPECT_EQ(TextAt(b, 3626, 4), QStringLiteral("ДВ-1"));
-}
-
 TEST_F(DataFileTest, RecordingWithoutUsedChannelIsAHeaderOneByteShort) {
   ScriptedPrompts p;
   AppState s;
@@ -349,31 +331,6 @@ TEST_F(DataFileTest, ContinuousRecordingTakesItsRateFromTheModuleRate) {
   EXPECT_EQ(back.ChannelUsedCount, 3);
   EXPECT_EQ(back.FreqDesc, 10667);
   EXPECT_EQ(back.FreqDescR, 10667);
-}
-
-TEST_F(DataFileTest, ResetFileDefaultsSetsWhatOlderLayoutsLack) {
-  AppState s;
-  s.channels.Zero[3] = 5;
-  s.channels.ProbeFreq[3] = {1, 2, 3, 4, 5, 6, 7};
-  s.markers.MarkerN = 4;
-  s.SolidBlockN = 9;
-  s.Polus = 40;
-  s.FreqSety = 50;
-  s.FreqDesc = 1000;
-  ResetFileDefaults(s);
-  EXPECT_EQ(s.channels.Zero[3], 0);
-  EXPECT_EQ(s.channels.ProbeFreq[3], (std::array<float, 7>{1, 2, 3, 4, 5, -1, -1}));
-  EXPECT_EQ(s.channels.ChannelY[3], 1000000);
-  EXPECT_EQ(s.channels.ChannelYm[3], -1);
-  EXPECT_EQ(s.markers.MarkerN, 0);
-  EXPECT_EQ(s.SolidBlockN, 1);
-  EXPECT_EQ(s.FreqDescR, 1000);
-  EXPECT_DOUBLE_EQ(s.FreqRotorN, 150.0);
-  EXPECT_DOUBLE_EQ(s.FreqOneGarmonic, 2.5);
-  EXPECT_EQ(s.BlockSizeFFT, 1048576);
-  EXPECT_EQ(s.ModuleTag, QStringLiteral("?"));
-  EXPECT_EQ(s.SynchroAdChannel, 32);
-  EXPECT_EQ(s.SynchroAdPorog, 1000);
 }
 
 }  // namespace

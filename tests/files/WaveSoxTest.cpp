@@ -72,20 +72,6 @@ TEST(WaveFromSox, StoredSoxFilesReadWithTheirSamples) {
   }
 }
 
-TEST(WaveFromSox, StoredSoxFilesOfOtherFormatsAreRefused) {
-  const std::pair<const char*, QString> files[] = {
-      {"sox-mono24-8000.wav", QStringLiteral("Файл неподдерживаемого 24-битного формата.")},
-      {"sox-float32-8000.wav", QStringLiteral("Файл не PCM формата.")},
-  };
-  for (const auto& [file, text] : files) {
-    auto state = NewState();
-    ScriptedPrompts prompts;
-    state->PathFileData = DataFile(file);
-    EXPECT_FALSE(ReadFileWave(*state, prompts));
-    EXPECT_EQ(prompts.lastMessage(), text) << file;
-  }
-}
-
 class WaveWithSox : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -141,41 +127,6 @@ TEST_F(WaveWithSox, SoxReadsTheProgramsFileWithItsRateChannelsLengthAndCodes) {
     EXPECT_EQ(std::lround(v[3].toDouble() * 32768), state->SignalData.at(frame, 32));
   }
   EXPECT_EQ(frame, 1024);
-}
-
-TEST_F(WaveWithSox, ProgramReadsWhatSoxMakesInSeveralForms) {
-  const Expected forms[] = {
-      {"m16-48000.wav", 1, 48000, 16, 1000},
-      {"s16-96000.wav", 2, 96000, 16, 4096},   // a power of two doubles
-      {"q8-16000.wav", 4, 16000, 8, 777},
-      {"h16-12000.wav", 7, 12000, 16, 50},
-  };
-  for (const Expected& e : forms) {
-    SCOPED_TRACE(e.file);
-    QByteArray raw;
-    for (int i = 0; i < e.frames; ++i)
-      for (int c = 0; c < e.channels; ++c) {
-        if (e.bits == 8) {
-          raw.append(static_cast<char>(Pattern8(i, c)));
-        } else {
-          const auto v = static_cast<uint16_t>(Pattern16(i, c));
-          raw.append(static_cast<char>(v & 0xFF)).append(static_cast<char>(v >> 8));
-        }
-      }
-    const QString rawPath = dir.filePath(QStringLiteral("in.raw"));
-    const QString wav = dir.filePath(QString::fromLatin1(e.file));
-    ASSERT_TRUE(WriteBytes(rawPath, raw));
-    run({QStringLiteral("-t"), QStringLiteral("raw"), QStringLiteral("-r"), QString::number(e.rate),
-         QStringLiteral("-e"), e.bits == 8 ? QStringLiteral("unsigned") : QStringLiteral("signed"),
-         QStringLiteral("-b"), QString::number(e.bits), QStringLiteral("-c"),
-         QString::number(e.channels), rawPath, wav});
-
-    auto state = NewState();
-    ScriptedPrompts prompts;
-    state->PathFileData = wav;
-    ASSERT_TRUE(ReadFileWave(*state, prompts));
-    ExpectSamples(*state, e);
-  }
 }
 
 }  // namespace

@@ -152,15 +152,6 @@ TEST_F(Interaction, ScrollBarMovesTheViewAndAFinishedChangeRefreshesAll) {
   EXPECT_EQ(v.HScroll1, v.HScrollMax);
 }
 
-TEST_F(Interaction, ZeroLineBarIsIgnoredWhileControlsAreBeingAligned) {
-  v.ImpositionLock = true;
-  EXPECT_FALSE(VScrollChanged(*s, v, 10).redraw);
-  EXPECT_EQ(s->channels.ChannelY[1], 50);
-  v.ImpositionLock = false;
-  EXPECT_TRUE(VScrollChanged(*s, v, 10).redraw);
-  EXPECT_EQ(s->channels.ChannelY[1], 10);
-}
-
 TEST_F(Interaction, AmplitudeSliderSetsTheScaleOrAuto) {
   SliderVChanged(*s, v, 3);
   EXPECT_EQ(s->channels.ChannelYm[1], 100);
@@ -213,14 +204,6 @@ TEST_F(Interaction, ZeroLinePanelStepsMiddleBottomTopMiddle) {
   StatusPanelClicked(*s, o, v, SignalPanel::Y0, MouseButton::Left);
   EXPECT_EQ(s->channels.ChannelY[1], 50);
   EXPECT_EQ(v.VScroll1, 50);
-}
-
-TEST_F(Interaction, BeginPointPanelOnlyForRunOutWithoutOffsetAndFilter) {
-  EXPECT_FALSE(StatusPanelClicked(*s, o, v, SignalPanel::BeginPoint, MouseButton::Left).redraw);
-  s->channels.Type[1] = 0;
-  o.StatusFilterConst = false;
-  StatusPanelClicked(*s, o, v, SignalPanel::BeginPoint, MouseButton::Left);
-  EXPECT_TRUE(o.BeginPoint);
 }
 
 TEST_F(Interaction, StatusTexts) {

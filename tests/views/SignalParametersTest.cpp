@@ -138,23 +138,6 @@ TEST_F(ParameterBarTest, GainIsNotTakenOutOfThePanelValue) {
   EXPECT_EQ(Bar(4).panels[0].text, QStringLiteral("Максимальное: ") + FormatStandard(109) + QStringLiteral(" мВ "));
 }
 
-TEST_F(ParameterBarTest, TypesWithoutPanelsClearTheBar) {
-  for (int type : {2, 8, 9, 10, -1}) {
-    const ParameterBar bar = Bar(type);
-    EXPECT_TRUE(bar.panels.empty()) << type;
-    EXPECT_EQ(bar.panelWidthPx, 0);
-  }
-  EXPECT_TRUE(v.ChannelParameterText[1].isEmpty());
-}
-
-TEST_F(ParameterBarTest, ChannelLineJoinsThePanelsWithSpaces) {
-  r.BandMax = {1, 2, 3, 4};
-  Bar(0);
-  EXPECT_EQ(v.ChannelParameterText[1],
-            QStringLiteral("ОУ (0-20Гц): 2мкм  1 гарм.: ? Смещение: 0мкм "));
-  EXPECT_TRUE(v.ChannelParameterText[2].isEmpty());
-}
-
 TEST(ParameterTable, OneLinePerKindOfChannel) {
   auto s = MakeState(100);
   SignalViewOptions o;
