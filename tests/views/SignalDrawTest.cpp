@@ -35,14 +35,10 @@ TEST_F(DcRecording, StaircaseDrawsTheFirstSampleAtOneAndAQuarterTimesTheScale) {
   ASSERT_EQ(traces.size(), 1u);
   const Polyline& t = traces[0];
   // Ku 1.25, ChannelYm 100 over half of 100 px: 0.4 px per code.
+  // First sample at 1.25 * 40 codes * 0.4 for half a sample's width, then raw.
   ASSERT_GE(t.xs.size(), 4u);
-  EXPECT_EQ(t.xs[0], 0);
-  EXPECT_EQ(t.ys[0], 50 - 20);  // 1.25 * 40 codes * 0.4
-  EXPECT_EQ(t.xs[1], 1);        // half a sample's width
-  EXPECT_EQ(t.ys[1], 30);
-  EXPECT_EQ(t.ys[2], 50 - 16);  // raw code 40 * 0.4
-  EXPECT_EQ(t.xs[2], 1);
-  EXPECT_EQ(t.xs[3], 3);
+  EXPECT_EQ(std::vector<int>(t.xs.begin(), t.xs.begin() + 4), (std::vector<int>{0, 1, 1, 3}));
+  EXPECT_EQ(std::vector<int>(t.ys.begin(), t.ys.begin() + 2), (std::vector<int>{30, 30}));
   EXPECT_TRUE(std::all_of(t.ys.begin() + 2, t.ys.end(), [](int y) { return y == 34; }));
   // Samples 2..100 (the view's end is the store's end), two points each.
   EXPECT_EQ(t.xs.size(), 2u + 2u * 99u);
@@ -59,22 +55,16 @@ TEST_F(DcRecording, StaircaseTakesOneSamplePastTheViewWhenTheStoreHasIt) {
   EXPECT_EQ(t.xs.size(), 2u + 2u * 50u);  // samples 2..51
 }
 
-TEST_F(DcRecording, ZeroLineAtTheCurrentChannelsZero) {
-  s->channels.ChannelY[1] = 37;
-  const auto zero = LinesOf(Draw(*s, o, v), kZero);
-  ASSERT_EQ(zero.size(), 1u);
-  EXPECT_EQ(zero[0].y1, 37);
-  EXPECT_EQ(zero[0].y2, 37);
-  EXPECT_EQ(zero[0].x1, 0);
-  EXPECT_EQ(zero[0].x2, kW);
-  o.LineZero = false;
-  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kZero).empty());
-}
-
-TEST_F(DcRecording, UnplacedZeroLineGoesToMidHeightAndStays) {
+TEST_F(DcRecording, ZeroLineAtTheCurrentChannelsZeroAndUnplacedAtMidHeight) {
   s->channels.ChannelY[1] = kChannelUnplaced;
   Draw(*s, o, v);
   EXPECT_EQ(s->channels.ChannelY[1], 50);
+  s->channels.ChannelY[1] = 37;
+  const auto zero = LinesOf(Draw(*s, o, v), kZero);
+  ASSERT_EQ(zero.size(), 1u);
+  EXPECT_EQ(std::vector<int>({zero[0].x1, zero[0].y1, zero[0].x2, zero[0].y2}), (std::vector<int>{0, 37, kW, 37}));
+  o.LineZero = false;
+  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kZero).empty());
 }
 
 TEST_F(DcRecording, TimeGridStepsByTheNiceStepFromTheScrollPosition) {
@@ -122,23 +112,20 @@ TEST_F(DcRecording, LevelGridStepsATenthOfTheHeightAndAFifthOfTheScale) {
   std::vector<std::string> labels;
   for (const Text& t : ItemsOf<Text>(list)) labels.push_back(t.utf8);
   EXPECT_EQ(labels, (std::vector<std::string>{"20", "40", "60", "80", "100", "-20", "-40", "-60", "-80", "-100"}));
-}
-
-TEST_F(DcRecording, LevelGridLabelsDivideByTheUnit) {
-  o.ScaleX = false;
-  s->channels.ChannelYm[1] = 10000;  // shown in millimetres
-  const DrawList list = Draw(*s, o, v);
+  s->channels.ChannelYm[1] = 10000;  // shown in millimetres: labels divide by the unit
+  EXPECT_EQ(ItemsOf<Text>(Draw(*s, o, v)).front().utf8, "2");
   EXPECT_EQ(s->UnitName, QStringLiteral("мм"));
-  EXPECT_EQ(ItemsOf<Text>(list).front().utf8, "2");
 }
 
-TEST_F(DcRecording, ShaftMarkerLinesAtEachPulse) {
-  s->channels.Channel[2] = 1;
-  s->channels.Type[2] = 3;
+TEST_F(DcRecording, ShaftMarkerLinesAtEachPulseOnlyWithAMarkerChannel) {
   s->ShaftMarkCount = 3;
   s->ShaftMarks[0] = 11;
   s->ShaftMarks[1] = 51;
   s->ShaftMarks[2] = 500;  // beyond the view
+  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kMarkerLine).empty());
+  EXPECT_FALSE(v.FreqRotorVisible);
+  s->channels.Channel[2] = 1;
+  s->channels.Type[2] = 3;
   v.speed = RotorSpeed{83.3, 83.3, 100, 100};
   const auto lines = LinesOf(Draw(*s, o, v), kMarkerLine);
   ASSERT_EQ(lines.size(), 2u);
@@ -148,13 +135,6 @@ TEST_F(DcRecording, ShaftMarkerLinesAtEachPulse) {
   EXPECT_EQ(v.RotorSpeedText, RotorSpeedText(v.speed));
   o.OtmetchickLine = false;
   EXPECT_TRUE(LinesOf(Draw(*s, o, v), kMarkerLine).empty());
-}
-
-TEST_F(DcRecording, NoMarkerChannelNoMarkerLinesAndNoSpeedPanel) {
-  s->ShaftMarkCount = 1;
-  s->ShaftMarks[0] = 11;
-  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kMarkerLine).empty());
-  EXPECT_FALSE(v.FreqRotorVisible);
 }
 
 TEST_F(DcRecording, ThresholdLineOfTheShownMarkerChannel) {
@@ -232,12 +212,10 @@ TEST_F(DcRecording, SelectionIsAnInvertedFullHeightBoxOrALineWhenNarrow) {
   s->SelectLast = 61;
   auto boxes = ItemsOf<Rect>(Draw(*s, o, v));
   ASSERT_EQ(boxes.size(), 2u);  // the selection, then the frame
-  EXPECT_TRUE(boxes[0].pen.xorMode);
-  EXPECT_TRUE(boxes[0].filled);
-  EXPECT_EQ(boxes[0].left, 40);   // 20 * 200 / 99
-  EXPECT_EQ(boxes[0].right, 121);  // 60 * 200 / 99
-  EXPECT_EQ(boxes[0].top, 0);
-  EXPECT_EQ(boxes[0].bottom, kH);
+  EXPECT_TRUE(boxes[0].pen.xorMode && boxes[0].filled);
+  // 20 * 200 / 99 and 60 * 200 / 99, full height.
+  EXPECT_EQ(std::vector<int>({boxes[0].left, boxes[0].top, boxes[0].right, boxes[0].bottom}),
+            (std::vector<int>{40, 0, 121, kH}));
   EXPECT_FALSE(boxes[1].pen.xorMode);
   EXPECT_EQ(boxes[1].right, kW);
 
