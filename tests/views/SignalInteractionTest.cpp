@@ -153,16 +153,14 @@ TEST_F(Interaction, ScrollBarMovesTheViewAndAFinishedChangeRefreshesAll) {
 }
 
 TEST_F(Interaction, AmplitudeSliderSetsTheScaleOrAuto) {
-  SliderVChanged(*s, v, 3);
-  EXPECT_EQ(s->channels.ChannelYm[1], 100);
-  EXPECT_EQ(v.SliderVToolTip, QStringLiteral("100 мкм"));
-  SliderVChanged(*s, v, 9);
-  EXPECT_EQ(s->channels.ChannelYm[1], 10000);
-  EXPECT_EQ(v.SliderVToolTip, QStringLiteral("10 мм"));
-  s->SignalMaxValue[1] = 100;
-  SliderVChanged(*s, v, -1);
-  EXPECT_EQ(s->channels.ChannelYm[1], 200);
-  EXPECT_EQ(v.SliderVToolTip, QStringLiteral("Авто"));
+  s->SignalMaxValue[1] = 100;  // what the auto scale is taken from
+  const struct { int slider; int32_t ym; const char* tip; } cases[] = {
+      {3, 100, "100 мкм"}, {9, 10000, "10 мм"}, {-1, 200, "Авто"}};
+  for (const auto& c : cases) {
+    SliderVChanged(*s, v, c.slider);
+    EXPECT_EQ(s->channels.ChannelYm[1], c.ym);
+    EXPECT_EQ(v.SliderVToolTip, QString::fromUtf8(c.tip));
+  }
 }
 
 TEST_F(Interaction, StatusPanelsAsButtons) {
@@ -193,31 +191,26 @@ TEST_F(Interaction, StatusPanelsAsButtons) {
 }
 
 TEST_F(Interaction, ZeroLinePanelStepsMiddleBottomTopMiddle) {
-  s->channels.ChannelY[1] = 50;
-  StatusPanelClicked(*s, o, v, SignalPanel::Y0, MouseButton::Left);
-  EXPECT_EQ(s->channels.ChannelY[1], kH);
-  StatusPanelClicked(*s, o, v, SignalPanel::Y0, MouseButton::Left);
-  EXPECT_EQ(s->channels.ChannelY[1], 0);
-  StatusPanelClicked(*s, o, v, SignalPanel::Y0, MouseButton::Right);
-  EXPECT_EQ(s->channels.ChannelY[1], 50);
-  s->channels.ChannelY[1] = 7;
-  StatusPanelClicked(*s, o, v, SignalPanel::Y0, MouseButton::Left);
-  EXPECT_EQ(s->channels.ChannelY[1], 50);
+  const struct { int from; MouseButton button; int to; } steps[] = {
+      {50, MouseButton::Left, kH}, {kH, MouseButton::Left, 0}, {0, MouseButton::Right, 50}, {7, MouseButton::Left, 50}};
+  for (const auto& step : steps) {
+    s->channels.ChannelY[1] = step.from;
+    StatusPanelClicked(*s, o, v, SignalPanel::Y0, step.button);
+    EXPECT_EQ(s->channels.ChannelY[1], step.to) << "from " << step.from;
+  }
   EXPECT_EQ(v.VScroll1, 50);
 }
 
+void ExpectTexts(const SignalStatus& st, std::initializer_list<std::pair<SignalPanel, QString>> want) {
+  for (const auto& [panel, text] : want) EXPECT_EQ(st[panel], text) << "panel " << static_cast<int>(panel);
+}
+
 TEST_F(Interaction, StatusTexts) {
+  using enum SignalPanel;
   SignalStatus st = OutInfoToStatusBar(*s, o, v);
-  EXPECT_EQ(st[SignalPanel::Dimension], QStringLiteral("D: 100 мкм "));
-  EXPECT_EQ(st[SignalPanel::Scale], QStringLiteral("M: 1:1 "));
-  EXPECT_EQ(st[SignalPanel::Window], QStringLiteral("W: 0:00:00.001 - 0:00:00.100 "));
-  EXPECT_EQ(st[SignalPanel::Cursor], QStringLiteral("C0: - "));
-  EXPECT_EQ(st[SignalPanel::Level], QStringLiteral("V: - "));
-  EXPECT_EQ(st[SignalPanel::Select], QStringLiteral("S: - "));
-  EXPECT_EQ(st[SignalPanel::SelectLen], QStringLiteral("L: - "));
-  EXPECT_EQ(st[SignalPanel::Y0], QStringLiteral("Y0: 50% "));
-  EXPECT_EQ(st[SignalPanel::BeginPoint], QStringLiteral("BP: - "));
-  EXPECT_EQ(st[SignalPanel::SignalDataN], QStringLiteral("N: 100"));
+  ExpectTexts(st, {{Dimension, "D: 100 мкм "}, {Scale, "M: 1:1 "}, {Window, "W: 0:00:00.001 - 0:00:00.100 "},
+                   {Cursor, "C0: - "}, {Level, "V: - "}, {Select, "S: - "}, {SelectLen, "L: - "},
+                   {Y0, "Y0: 50% "}, {BeginPoint, "BP: - "}, {SignalDataN, "N: 100"}});
   EXPECT_FALSE(st.beginPointEnabled);
   EXPECT_FALSE(st.selectionCommandsEnabled);
 
@@ -230,12 +223,9 @@ TEST_F(Interaction, StatusTexts) {
   o.StatusFilterConst = false;
   s->channels.ChannelYm[1] = 20000;
   st = OutInfoToStatusBar(*s, o, v);
-  EXPECT_EQ(st[SignalPanel::Dimension], QStringLiteral("D: ") + FormatGrouped(20) + QStringLiteral(" мм "));
-  EXPECT_EQ(st[SignalPanel::Cursor], QStringLiteral("C2: 0:00:00.011 "));
-  EXPECT_EQ(st[SignalPanel::Level], QStringLiteral("V: 11 мкм "));
-  EXPECT_EQ(st[SignalPanel::Select], QStringLiteral("S: 0:00:00.011 - 0:00:00.061 "));
-  EXPECT_EQ(st[SignalPanel::SelectLen], QStringLiteral("L: 0:00:00.050 "));
-  EXPECT_EQ(st[SignalPanel::BeginPoint], QStringLiteral("BP: ") + FormatGrouped(40) + QStringLiteral(" мкм "));
+  ExpectTexts(st, {{Dimension, "D: " + FormatGrouped(20) + " мм "}, {Cursor, "C2: 0:00:00.011 "},
+                   {Level, "V: 11 мкм "}, {Select, "S: 0:00:00.011 - 0:00:00.061 "}, {SelectLen, "L: 0:00:00.050 "},
+                   {BeginPoint, "BP: " + FormatGrouped(40) + " мкм "}});
   EXPECT_TRUE(st.beginPointEnabled);
   EXPECT_TRUE(st.selectionCommandsEnabled);
 }
