@@ -59,7 +59,6 @@ TEST_F(WaveTest, WrittenFileHasTheHeaderAndInterleavedCodes) {
   FileBytes expected = PcmHeader(2, 1000, 16, 4);
   for (int k = 0; k < 4; ++k)
     expected.put16(44 + 4 * k, -100 * (k + 1)).put16(46 + 4 * k, 1000 + k + 1);
-  ASSERT_EQ(b.size(), 60);
   EXPECT_EQ(b, expected.bytes);
   EXPECT_EQ(b.mid(4, 4), QByteArray("\x34\x00\x00\x00", 4));  // 2 * 4 * 2 + 36
   EXPECT_TRUE(prompts.messages().empty());
@@ -108,10 +107,9 @@ TEST_F(WaveTest, EightBitSamplesKeepTheirUnsignedValue) {
   f.put8(44, 0).put8(45, 128).put8(46, 255);
   ASSERT_TRUE(open(f.bytes));
   EXPECT_EQ(state->SignalDataN, 4);
-  EXPECT_EQ(state->SignalData.at(1, 1), 0);
-  EXPECT_EQ(state->SignalData.at(2, 1), 128);   // round(0.75) = 1
-  EXPECT_EQ(state->SignalData.at(3, 1), 255);   // round(1.5) = 2
-  EXPECT_EQ(state->SignalData.at(4, 1), 255);   // round(2.25) = 2
+  // Rows take frames round(0, 0.75, 1.5, 2.25) = 0, 1, 2, 2.
+  const int16_t rows[4] = {0, 128, 255, 255};
+  for (int k = 1; k <= 4; ++k) EXPECT_EQ(state->SignalData.at(k, 1), rows[k - 1]) << "row " << k;
 }
 
 TEST_F(WaveTest, ChunksBeforeTheSamplesAreSteppedOver) {
@@ -141,25 +139,26 @@ TEST_F(WaveTest, RefusalsTellTheirTextAndChangeNothing) {
     QString text;
   };
   const QString unknown = QStringLiteral("Файл неизвестного формата.");
+  const QString notRiff = QStringLiteral("Файл не RIFF формата.");
+  const QString notWave = QStringLiteral("Файл не WAVE формата.");
   auto header = [] { return PcmHeader(1, 8000, 16, 2); };
-  std::vector<Case> cases;
-  cases.push_back({"empty file", QByteArray(), QStringLiteral("Файл не RIFF формата.")});
-  cases.push_back({"RIFX", header().putRaw(0, "RIFX").bytes, QStringLiteral("Файл не RIFF формата.")});
-  cases.push_back({"RIFF only", QByteArray("RIFF\x10\0\0\0", 8), QStringLiteral("Файл не WAVE формата.")});
-  cases.push_back({"AVI", header().putRaw(8, "AVI ").bytes, QStringLiteral("Файл не WAVE формата.")});
-  cases.push_back({"no fmt at 12", header().putRaw(12, "LIST").bytes, unknown});
-  cases.push_back({"cut in fmt", header().bytes.left(30), unknown});
-  cases.push_back({"A-law", header().put16(20, 6).bytes, QStringLiteral("Файл не PCM формата.")});
-  cases.push_back({"24 bits", header().put16(34, 24).put16(32, 3).bytes,
-                   QStringLiteral("Файл неподдерживаемого 24-битного формата.")});
-  cases.push_back({"32 bits", header().put16(34, 32).bytes,
-                   QStringLiteral("Файл неподдерживаемого 32-битного формата.")});
-  cases.push_back({"no tag at 36", header().putRaw(36, QByteArray(4, '\0')).bytes, unknown});
-  cases.push_back({"no data chunk", header().putRaw(36, "PAD ").put32(40, 2).bytes.left(48), unknown});
-  cases.push_back({"chunk past the end", header().putRaw(36, "LIST").put32(40, 1000).bytes, unknown});
-  cases.push_back({"no channels", header().put16(22, 0).bytes, unknown});
-  cases.push_back({"empty data", header().bytes.left(44).replace(40, 4, QByteArray(4, '\0')),
-                   QStringLiteral("Файл не содержит отсчётов.")});
+  const std::vector<Case> cases = {
+      {"empty file", QByteArray(), notRiff},
+      {"RIFX", header().putRaw(0, "RIFX").bytes, notRiff},
+      {"RIFF only", QByteArray("RIFF\x10\0\0\0", 8), notWave},
+      {"AVI", header().putRaw(8, "AVI ").bytes, notWave},
+      {"no fmt at 12", header().putRaw(12, "LIST").bytes, unknown},
+      {"cut in fmt", header().bytes.left(30), unknown},
+      {"A-law", header().put16(20, 6).bytes, QStringLiteral("Файл не PCM формата.")},
+      {"24 bits", header().put16(34, 24).put16(32, 3).bytes, QStringLiteral("Файл неподдерживаемого 24-битного формата.")},
+      {"32 bits", header().put16(34, 32).bytes, QStringLiteral("Файл неподдерживаемого 32-битного формата.")},
+      {"no tag at 36", header().putRaw(36, QByteArray(4, '\0')).bytes, unknown},
+      {"no data chunk", header().putRaw(36, "PAD ").put32(40, 2).bytes.left(48), unknown},
+      {"chunk past the end", header().putRaw(36, "LIST").put32(40, 1000).bytes, unknown},
+      {"no channels", header().put16(22, 0).bytes, unknown},
+      {"empty data", header().bytes.left(44).replace(40, 4, QByteArray(4, '\0')),
+       QStringLiteral("Файл не содержит отсчётов.")},
+  };
 
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
