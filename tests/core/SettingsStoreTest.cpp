@@ -118,18 +118,16 @@ TEST(IniSettings, GarbledOrTruncatedFilesOpenAndAreReplacedCleanly) {
     const QString path = dir.filePath(QStringLiteral("Aquilonix.conf"));
     WriteBytes(path, bytes);
     IniSettingsStore store(path);
+    if (&bytes == &cases[0]) {
+      EXPECT_EQ(store.get(QStringLiteral("Config"), QStringLiteral("Polus")), QStringLiteral("60"))
+          << "what can be read of a truncated file is kept";
+    }
     store.save(QStringLiteral("Config"), QStringLiteral("GoodRun"), QStringLiteral("0"));
     EXPECT_FALSE(store.lastWriteFailed());
     IniSettingsStore reopened(path);
     EXPECT_FALSE(reopened.readWasIncomplete());
     EXPECT_EQ(reopened.get(QStringLiteral("Config"), QStringLiteral("GoodRun")), QStringLiteral("0"));
   }
-  QTemporaryDir dir;
-  const QString path = dir.filePath(QStringLiteral("Aquilonix.conf"));
-  WriteBytes(path, QByteArray("[Config]\nPolus=60\nFreqSety=5", 26));
-  EXPECT_EQ(IniSettingsStore(path).get(QStringLiteral("Config"), QStringLiteral("Polus")),
-            QStringLiteral("60"))
-      << "what can be read of a truncated file is kept";
 }
 
 TEST(IniSettings, AnUnwritableFolderIsToldOnceAndNothingBreaks) {
