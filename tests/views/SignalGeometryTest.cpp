@@ -36,7 +36,7 @@ TEST(ScrollAndZoom, ScrollStepReachesTheWholeStoreWithA16BitBar) {
   EXPECT_EQ(SliderHMaxFor(0), 0);
 }
 
-TEST(ScrollAndZoom, ConfigSliderHWithWholeStoreInView) {
+TEST(ScrollAndZoom, ConfigSliderHShowsTheWholeStoreAndZoomedKeepsTheCentre) {
   auto s = MakeState(32768);
   SignalViewState v = ViewOf(*s, 800, 400);
   EXPECT_EQ(v.HScroll1, 1);
@@ -44,11 +44,6 @@ TEST(ScrollAndZoom, ConfigSliderHWithWholeStoreInView) {
   EXPECT_EQ(s->ViewFirst, 1);
   EXPECT_EQ(s->ViewLast, 32768);
   EXPECT_EQ(v.SliderHToolTip, QStringLiteral("Масштаб: 1:1"));
-}
-
-TEST(ScrollAndZoom, ConfigSliderHZoomedKeepsTheCentre) {
-  auto s = MakeState(32768);
-  SignalViewState v = ViewOf(*s, 800, 400);
   v.SliderH = 2;  // a quarter in view: 8192 samples
   v.CentreSample = 16384;
   ConfigSliderH(*s, v);
