@@ -128,9 +128,7 @@ TEST_F(ZrkTest, HeaderChannelsAndSamplesComeFromTheirOffsets) {
   EXPECT_EQ(s.object.Remark[27], QStringLiteral("0"));
 
   const auto& ch = s.channels;
-  EXPECT_EQ(ch.ProbeFreq[1][0], 10.0f);
-  EXPECT_EQ(ch.ProbeFreq[1][3], 40.0f);
-  EXPECT_EQ(ch.ProbeFreq[1][4], -1.0f);
+  EXPECT_EQ(ch.ProbeFreq[1], (std::array<float, 7>{10, 20, 30, 40, -1, -1, -1}));
   EXPECT_EQ(ch.ProbeFreq[15][0], 1.5f);
   EXPECT_EQ(ch.ProbeFreq[16][0], -1.0f);
 
@@ -213,7 +211,6 @@ TEST_F(ZrkTest, FortyThousandSamplesAreThinnedTo32768Rows) {
   int mismatches = 0;
   for (int r = 1; r <= 32768; ++r) mismatches += s.SignalData.at(r, 1) != expected[static_cast<size_t>(r)];
   EXPECT_EQ(mismatches, 0);
-  EXPECT_EQ(s.SignalData.at(32768, 1), 128 + 39999 % 128);  // the last sample
   EXPECT_EQ(s.SignalData.at(32769, 1), -1);
 
   EXPECT_EQ(s.SignalData.at(30000, 32), 1000);
