@@ -43,19 +43,19 @@ TEST(EngineSignal, ClearanceAndOverload) {
   type[0] = 0;
   auto ks = PerChannel(1000.0f), ku = PerChannel(8.0f);
   auto low = PerChannel(0), high = PerChannel(0);
+  auto control = [&](int32_t lowLimit, int32_t highLimit) {
+    low.fill(0);
+    high.fill(0);
+    return ControlClearance(100, store.data(), channel.data(), type.data(), ks.data(), ku.data(), 2000, low.data(),
+                            high.data(), nullptr, lowLimit, highLimit);
+  };
   // Gap = 2000 + (code - 1000) * 1.25 / 8: 1531.25 um at -2000, 2312.5 um at 3000.
-  EXPECT_EQ(ControlClearance(100, store.data(), channel.data(), type.data(), ks.data(), ku.data(), 2000, low.data(),
-                             high.data(), nullptr, 1600, 2300),
-            1);
+  EXPECT_EQ(control(1600, 2300), 1);
   EXPECT_EQ(low[0], 1);
   EXPECT_EQ(high[0], 1);
   EXPECT_EQ(low[1] + high[1], 0);
-  low.fill(0);
-  high.fill(0);
   channel[1] = 0;
-  EXPECT_EQ(ControlClearance(100, store.data(), channel.data(), type.data(), ks.data(), ku.data(), 2000, low.data(),
-                             high.data(), nullptr, 1500, 2400),
-            0);
+  EXPECT_EQ(control(1500, 2400), 0);
   EXPECT_EQ(low[0] + high[0], 0);
 }
 
