@@ -42,6 +42,14 @@ void MainWindow::mnuFileSave() {
   RefreshToolbarMainMenu();
 }
 
+// Block navigation of a continuous recording: the new block is read and the
+// views recomputed; a failed read has been told by the reporter.
+void MainWindow::mnuViewBlock(SolidBlockCommand command) {
+  if (!s_.SolidMode || measuring_) return;
+  if (RunSolidBlockCommand(s_, command, prompts_) == 0) ViewRefresh();
+  RefreshToolbarMainMenu();
+}
+
 void MainWindow::mnuFileCopy() {
   QMdiSubWindow* active = mdi_->activeSubWindow();
   if (!active) return;

@@ -126,11 +126,24 @@ void MainWindow::buildViewMenu() {
   }
   QMenu* blocks = view->addMenu(QStringLiteral("Блоки"));
   blocks->setObjectName(QStringLiteral("mnuViewBlock"));
-  const std::pair<const char*, const char*> blockCommands[] = {
-      {"mnuViewBlockFirst", "Первый"}, {"mnuViewBlockPrevious", "Предыдущий"}, {"mnuViewBlockNext", "Следующий"},
-      {"mnuViewBlockLast", "Последний"}, {"mnuViewBlockMin", "Минимальный"},  {"mnuViewBlockMinus", "Уменьшить"},
-      {"mnuViewBlockPlus", "Увеличить"}, {"mnuViewBlockMax", "Максимальный"}};
-  for (const auto& [name, caption] : blockCommands) addLaterCommand(blocks, name, QString::fromUtf8(caption));
+  struct BlockEntry {
+    const char* name;
+    const char* caption;
+    SolidBlockCommand command;
+  };
+  const BlockEntry blockCommands[] = {{"mnuViewBlockFirst", "Первый", SolidBlockCommand::First},
+                                      {"mnuViewBlockPrevious", "Предыдущий", SolidBlockCommand::Previous},
+                                      {"mnuViewBlockNext", "Следующий", SolidBlockCommand::Next},
+                                      {"mnuViewBlockLast", "Последний", SolidBlockCommand::Last},
+                                      {"mnuViewBlockMin", "Минимальный", SolidBlockCommand::Min},
+                                      {"mnuViewBlockMinus", "Уменьшить", SolidBlockCommand::Minus},
+                                      {"mnuViewBlockPlus", "Увеличить", SolidBlockCommand::Plus},
+                                      {"mnuViewBlockMax", "Максимальный", SolidBlockCommand::Max}};
+  for (const BlockEntry& b : blockCommands) {
+    QAction* a = addCommand(blocks, b.name, QString::fromUtf8(b.caption), nullptr, false);
+    const SolidBlockCommand command = b.command;
+    connect(a, &QAction::triggered, this, [this, command] { mnuViewBlock(command); });
+  }
   addToggle(view, "mnuViewImposition", QStringLiteral("Наложение сигналов"), &MainWindow::mnuViewImposition)
       ->setIcon(MakeToolIcon(ToolIcon::Imposition));
   addLaterCommand(view, "mnuViewMarker", QStringLiteral("Маркеры"));

@@ -15,6 +15,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
+#include <QLineEdit>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMdiArea>
@@ -208,6 +209,15 @@ void MainWindow::RefreshToolbarMainMenu() {
   // A stop is under way until the next tick; continuous recording comes
   // with the record settings window.
   record->setEnabled(!run_->stopping() && !s_.SolidMode);
+  const SolidBlockControls blocks = SolidBlockControlState(s_, measuring_);
+  const std::pair<const char*, bool> blockStates[] = {
+      {"mnuViewBlockFirst", blocks.first}, {"mnuViewBlockPrevious", blocks.previous},
+      {"mnuViewBlockNext", blocks.next},   {"mnuViewBlockLast", blocks.last},
+      {"mnuViewBlockMin", blocks.min},     {"mnuViewBlockMinus", blocks.minus},
+      {"mnuViewBlockPlus", blocks.plus},   {"mnuViewBlockMax", blocks.max}};
+  for (const auto& [name, enabled] : blockStates) action(QString::fromLatin1(name))->setEnabled(enabled && data);
+  txtBlock_->setText(blocks.blockText);
+  txtSolidBlockM_->setText(blocks.scaleText);
   updateViewChecks();
 }
 

@@ -5,6 +5,7 @@
 
 #include "core/FileReaders.h"
 #include "core/OpenFile.h"
+#include "files/SolidFile.h"
 #include "ui/ViewHost.h"
 
 #include <QHash>
@@ -116,6 +117,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   void mnuViewSignal();
   void mnuViewParameters();
   void mnuViewImposition();
+  void mnuViewBlock(SolidBlockCommand command);
   void mnuViewStyle(int style);
   void mnuWindowCascade();
   void mnuWindowTileAcross();
