@@ -309,23 +309,22 @@ void MainWindow::buildToolbars() {
   toolbarMain_->addSeparator();
   button("BlockFirst", "mnuViewBlockFirst", ToolIcon::BlockFirst, QString());
   button("BlockPrevious", "mnuViewBlockPrevious", ToolIcon::BlockPrevious, QString());
-  txtBlock_ = new QLineEdit(QStringLiteral("1"), this);
-  txtBlock_->setObjectName(QStringLiteral("txtBlock"));
-  txtBlock_->setToolTip(QStringLiteral("Активный блок / Количество блоков"));
-  txtBlock_->setReadOnly(true);
-  txtBlock_->setAlignment(Qt::AlignCenter);
-  txtBlock_->setFixedWidth(64);
-  toolbarMain_->addWidget(txtBlock_);
+  // Read-only boxes of the block toolbar; the block commands fill them.
+  auto box = [this](const char* name, const QString& text, const QString& tip, int widthPx) {
+    auto* edit = new QLineEdit(text, this);
+    edit->setObjectName(QString::fromLatin1(name));
+    edit->setToolTip(tip);
+    edit->setReadOnly(true);
+    edit->setAlignment(Qt::AlignCenter);
+    edit->setFixedWidth(widthPx);
+    toolbarMain_->addWidget(edit);
+    return edit;
+  };
+  txtBlock_ = box("txtBlock", QStringLiteral("1"), QStringLiteral("Активный блок / Количество блоков"), 64);
   button("BlockNext", "mnuViewBlockNext", ToolIcon::BlockNext, QString());
   button("BlockLast", "mnuViewBlockLast", ToolIcon::BlockLast, QString());
   button("BlockMinus", "mnuViewBlockMinus", ToolIcon::BlockMinus, QString());
-  txtSolidBlockM_ = new QLineEdit(QStringLiteral("1:1"), this);
-  txtSolidBlockM_->setObjectName(QStringLiteral("txtSolidBlockM"));
-  txtSolidBlockM_->setToolTip(QStringLiteral("Масштаб блоков"));
-  txtSolidBlockM_->setReadOnly(true);
-  txtSolidBlockM_->setAlignment(Qt::AlignCenter);
-  txtSolidBlockM_->setFixedWidth(48);
-  toolbarMain_->addWidget(txtSolidBlockM_);
+  txtSolidBlockM_ = box("txtSolidBlockM", QStringLiteral("1:1"), QStringLiteral("Масштаб блоков"), 48);
   button("BlockPlus", "mnuViewBlockPlus", ToolIcon::BlockPlus, QString());
   button("BlockMin", "mnuViewBlockMin", ToolIcon::BlockMin, QString());
   button("BlockMax", "mnuViewBlockMax", ToolIcon::BlockMax, QString());

@@ -3,6 +3,7 @@
 #include "engine/Aquilonix.h"
 #include "files/DataFile.h"
 #include "tools/ToolCommand.h"
+#include "tests/tools/ToolTestSupport.h"
 
 #include <QTemporaryDir>
 
@@ -32,22 +33,7 @@ class AcquisitionTool : public ::testing::Test {
   void TearDown() override { SetUp(); }
 
   int Run(int (*command)(ToolContext&), const QStringList& args, const QString& settings = {}) {
-    ToolContext ctx;
-    ctx.args = args;
-    ctx.settingsFile = settings;
-    ctx.prompts = &prompts;
-    FILE* stream = std::tmpfile();
-    ctx.out = stream;
-    const int rc = command(ctx);
-    std::fflush(stream);
-    std::rewind(stream);
-    QByteArray bytes;
-    char buffer[4096];
-    for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, stream)) > 0;)
-      bytes.append(buffer, static_cast<qsizetype>(n));
-    std::fclose(stream);
-    out = QString::fromUtf8(bytes);
-    return rc;
+    return RunToolCommand(command, args, prompts, out, settings);
   }
 
   QTemporaryDir dir;

@@ -1,6 +1,7 @@
 // info, dump and convert of aquilonix-tool on recordings written here.
 #include "files/DataFile.h"
 #include "tools/ToolCommand.h"
+#include "tests/tools/ToolTestSupport.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -30,21 +31,7 @@ class FileCommands : public ::testing::Test {
   QString path(const QString& name) const { return dir.filePath(name); }
 
   int Run(int (*command)(ToolContext&), const QStringList& args) {
-    ToolContext ctx;
-    ctx.args = args;
-    ctx.prompts = &prompts;
-    FILE* stream = std::tmpfile();
-    ctx.out = stream;
-    const int rc = command(ctx);
-    std::fflush(stream);
-    std::rewind(stream);
-    QByteArray bytes;
-    char buffer[4096];
-    for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, stream)) > 0;)
-      bytes.append(buffer, static_cast<qsizetype>(n));
-    std::fclose(stream);
-    out = QString::fromUtf8(bytes);
-    return rc;
+    return RunToolCommand(command, args, prompts, out);
   }
 
   // Channels 1 and 4 recorded, a ramp of codes, two markers.
