@@ -60,14 +60,8 @@ extern "C" int32_t StartPotok(int32_t ChannelUsedCount, const int32_t* Channel, 
   OpenedModule m;
   int32_t result = OpenModule(settings, lib.lines, m);
   if (result != kOk) return result;
-  AdcParameters p;
-  p.table = plan.table;
-  p.clockDivider = ClockDividerFor(wantedRowRate * width);
-  p.inputMode = InputMode;
-  p.synchroAdType = SynchroAdType;
-  p.synchroAdMode = SynchroAdMode;
-  p.synchroAdChannel = std::clamp(SynchroAdChannel, 1, kSingleEndedChannels) - 1;
-  p.synchroAdPorog = SynchroAdPorog;
+  AdcParameters p = RunParameters(plan.table, ClockDividerFor(wantedRowRate * width), InputMode, SynchroAdType, SynchroAdMode,
+                                  SynchroAdChannel, SynchroAdPorog);
   result = ConfigureModule(m, p);
   if (result == kOk && SignalDataN <= 0) result = kErrSignalDataDll;
   if (result != kOk) {

@@ -4,6 +4,7 @@
 #include "engine/acquisition/ReplayModule.h"
 
 #include <algorithm>
+#include <utility>
 #include <cstring>
 
 namespace aqx::acq {
@@ -51,6 +52,20 @@ int32_t ConfigureModule(OpenedModule& m, AdcParameters& wanted) {
   if (!m.module->readParameters(current) || m.faults.at(kErrGetAdcPars)) return kErrGetAdcPars;
   if (!m.module->writeParameters(wanted) || m.faults.at(kErrSetAdcPars)) return kErrSetAdcPars;
   return kOk;
+}
+
+AdcParameters RunParameters(std::vector<AdcChannelEntry> table, int clockDivider, int32_t inputMode,
+                            int32_t synchroAdType, int32_t synchroAdMode, int32_t synchroAdChannel,
+                            int32_t synchroAdPorog) {
+  AdcParameters p;
+  p.table = std::move(table);
+  p.clockDivider = clockDivider;
+  p.inputMode = inputMode;
+  p.synchroAdType = synchroAdType;
+  p.synchroAdMode = synchroAdMode;
+  p.synchroAdChannel = std::clamp(synchroAdChannel, 1, kSingleEndedChannels) - 1;
+  p.synchroAdPorog = synchroAdPorog;
+  return p;
 }
 
 int32_t ReleaseModule(OpenedModule& m) {

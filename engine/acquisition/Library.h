@@ -79,6 +79,11 @@ int32_t OpenModule(const ModuleSettings& settings, VirtualLines& lines, OpenedMo
 int32_t ConfigureModule(OpenedModule& m, AdcParameters& wanted);
 // ReleaseLInstance.
 int32_t ReleaseModule(OpenedModule& m);
+// The wanted parameters of a run: channel table, clock divider and the five
+// synchronisation values as the C interface passes them (channel from 1).
+AdcParameters RunParameters(std::vector<AdcChannelEntry> table, int clockDivider, int32_t inputMode,
+                            int32_t synchroAdType, int32_t synchroAdMode, int32_t synchroAdChannel,
+                            int32_t synchroAdPorog);
 // "E140 <serial>", at most 16 characters, into the 17-byte ModuleText.
 void FillModuleText(const OpenedModule& m, char* moduleText);
 

@@ -106,14 +106,8 @@ extern "C" int32_t ReadDataToFile(const char* fileName, int32_t headerBytes, int
   OpenedModule m;
   int32_t result = OpenModule(settings, lib.lines, m);
   if (result != kOk) return result;
-  AdcParameters p;
-  p.table = plan.table;
-  p.clockDivider = ClockDividerFor(totalRateHz);
-  p.inputMode = InputMode;
-  p.synchroAdType = SynchroAdType;
-  p.synchroAdMode = SynchroAdMode;
-  p.synchroAdChannel = std::clamp(SynchroAdChannel, 1, kSingleEndedChannels) - 1;
-  p.synchroAdPorog = SynchroAdPorog;
+  AdcParameters p = RunParameters(plan.table, ClockDividerFor(totalRateHz), InputMode, SynchroAdType, SynchroAdMode,
+                                  SynchroAdChannel, SynchroAdPorog);
   result = ConfigureModule(m, p);
   if (result == kOk && maxRows <= 0) result = kErrDataStorage;
   if (result != kOk) {
