@@ -1,9 +1,17 @@
 // Band levels of one channel over the analysed stretch: AccountVolumeField.
+//
+// The four bands are filtered at once, one per lane (LaneFilter.h). The
+// backward pass keeps the extremes of every piece between the boundaries of
+// revolutions, and the swing of a revolution, or of revolutions joined into
+// a longer piece, follows from those without a further pass.
 
+#include "engine/FftPlans.h"
+#include "engine/LaneFilter.h"
+#include "engine/Parallel.h"
 #include "engine/SpectrumMath.h"
-#include "engine/ZeroPhase.h"
 
 #include <array>
+#include <limits>
 #include <vector>
 
 using namespace aqx::engine;
@@ -92,35 +100,72 @@ extern "C" void AccountVolumeField(int32_t channel, const float* Ku, const int32
   const double units = kMillivoltsPerCode / SafeKu(Ku, column);
   const bool runout = Type != nullptr && Type[column] == kTypeRunout;
 
-  std::vector<double> samples(static_cast<size_t>(n));
-  const int16_t* src = CodePtr(SignalData, rows.first, column);
-  for (int32_t i = 0; i < n; ++i) samples[static_cast<size_t>(i)] = src[static_cast<size_t>(i) * kColumns];
-
-  const std::vector<Piece> revolutions =
-      Revolutions(rows, ShaftMarkCount, ShaftMarks, sampleHz, FreqRotorN);
-  std::vector<double> band;
-  std::vector<double> work;
+  std::array<Cascade, AQX_BANDS> cascades;
+  std::array<bool, AQX_BANDS> computed{};
+  int32_t pad = 0;
   for (int32_t b = 0; b < AQX_BANDS; ++b) {
     const double low = kBands[b].lowHz;
     const double high = (b == 1 && runout) ? kRunoutBandHz : kBands[b].highHz;
     if (low > 0.0 && !Usable(low, sampleHz)) continue;  // the band lies above what was sampled
-    Cascade cascade;
-    if (low > 0.0) AddButterworth(cascade, Pass::HighPass, low, sampleHz);
-    if (Usable(high, sampleHz)) AddButterworth(cascade, Pass::LowPass, high, sampleHz);
-    band = samples;
-    FilterZeroPhase(cascade, band.data(), n, work);
+    computed[b] = true;
+    if (low > 0.0) AddButterworth(cascades[b], Pass::HighPass, low, sampleHz);
+    if (Usable(high, sampleHz)) AddButterworth(cascades[b], Pass::LowPass, high, sampleHz);
+    pad = std::max(pad, ExtensionFor(cascades[b]));
+  }
 
-    const std::vector<Piece> pieces =
-        (b == 1 && !runout) ? JoinedTo(revolutions, kSlowBandSeconds * sampleHz) : revolutions;
-    double largest = 0.0;
+  const size_t total = static_cast<size_t>(n) + 2 * static_cast<size_t>(pad);
+  WorkBuffer record(total);
+  WorkBuffer forward(total * kLaneCount / 2);  // floats
+  if (record.data() == nullptr || forward.data() == nullptr) return;
+  double* mid = record.data() + pad;
+  ReadColumn(SignalData, rows.first, column, n, mid);
+  ExtendByPrediction(mid, n, pad, record.data());
+
+  const std::vector<Piece> revolutions =
+      Revolutions(rows, ShaftMarkCount, ShaftMarks, sampleHz, FreqRotorN);
+  const std::vector<Piece> joined =
+      runout ? revolutions : JoinedTo(revolutions, kSlowBandSeconds * sampleHz);
+  std::vector<int32_t> bounds = {0, n};
+  for (const std::vector<Piece>* pieces : {&revolutions, &joined}) {
+    for (const Piece& p : *pieces) {
+      bounds.push_back(p.begin);
+      bounds.push_back(p.end);
+    }
+  }
+  std::sort(bounds.begin(), bounds.end());
+  bounds.erase(std::unique(bounds.begin(), bounds.end()), bounds.end());
+  const size_t segments = bounds.size() - 1;
+  const size_t unused = segments;  // the slot of the extensions
+  std::vector<TrackedRun> runs = {{0, static_cast<size_t>(pad), unused}};
+  for (size_t i = 0; i < segments; ++i) {
+    runs.push_back({pad + static_cast<size_t>(bounds[i]), pad + static_cast<size_t>(bounds[i + 1]), i});
+  }
+  runs.push_back({static_cast<size_t>(pad) + n, total, unused});
+  std::vector<double> least((segments + 1) * kLaneCount);
+  std::vector<double> largest((segments + 1) * kLaneCount);
+  FilterLanesZeroPhase(MakeLaneCascade(cascades), record.data(), total, reinterpret_cast<float*>(forward.data()),
+                       runs, static_cast<size_t>(pad), least.data(), largest.data());
+
+  auto segment = [&](int32_t at) {
+    return static_cast<size_t>(std::lower_bound(bounds.begin(), bounds.end(), at) - bounds.begin());
+  };
+  for (int32_t b = 0; b < AQX_BANDS; ++b) {
+    if (!computed[b]) continue;
+    const std::vector<Piece>& pieces = b == 1 ? joined : revolutions;
+    double widest = 0.0;
     double sum = 0.0;
     for (const Piece& p : pieces) {
-      const auto [lo, hi] = std::minmax_element(band.begin() + p.begin, band.begin() + p.end);
-      const double swing = (*hi - *lo) * units;
-      largest = std::max(largest, swing);
+      double lo = std::numeric_limits<double>::infinity();
+      double hi = -lo;
+      for (size_t i = segment(p.begin); i < segment(p.end); ++i) {
+        lo = std::min(lo, least[i * kLaneCount + b]);
+        hi = std::max(hi, largest[i * kLaneCount + b]);
+      }
+      const double swing = (hi - lo) * units;
+      widest = std::max(widest, swing);
       sum += swing;
     }
-    BandMax[b] = RoundToInt32(largest);
+    BandMax[b] = RoundToInt32(widest);
     BandMean[b] = RoundToInt32(sum / static_cast<double>(pieces.size()));
   }
 }

@@ -2,6 +2,7 @@
 // (AccountFilter) and the run-out filter (FilterSensorBienie).
 
 #include "engine/ZeroPhase.h"
+#include "engine/Parallel.h"
 
 namespace aqx::engine {
 
@@ -133,24 +134,33 @@ void Predict(const std::vector<double>& window, double* out, int32_t count) {
 
 }  // namespace
 
-void FilterZeroPhase(const Cascade& cascade, double* x, int32_t count, std::vector<double>& work) {
-  if (count < 2 || cascade.sections.empty()) return;
+int32_t ExtensionFor(const Cascade& cascade) {
   const int32_t least = 6 * static_cast<int32_t>(cascade.sections.size());
-  const int32_t pad = std::min(kMaxExtension, std::max(cascade.settleSamples, least));
-  const size_t total = static_cast<size_t>(count) + 2 * static_cast<size_t>(pad);
-  work.resize(total);
-  double* mid = work.data() + pad;
-  std::copy(x, x + count, mid);
+  return std::min(kMaxExtension, std::max(cascade.settleSamples, least));
+}
+
+void ExtendByPrediction(const double* x, int32_t count, int32_t pad, double* extended) {
+  double* mid = extended + pad;
+  if (mid != x) std::copy(x, x + count, mid);
+  if (pad <= 0 || count < 1) return;
   const int32_t windowLength = std::min(count, kPredictionWindow);
-  std::vector<double> window(x + count - windowLength, x + count);
+  std::vector<double> window(mid + count - windowLength, mid + count);
   Predict(window, mid + count, pad);
-  window.assign(std::make_reverse_iterator(x + windowLength), std::make_reverse_iterator(x));
+  window.assign(std::make_reverse_iterator(mid + windowLength), std::make_reverse_iterator(mid));
   std::vector<double> before(static_cast<size_t>(pad));
   Predict(window, before.data(), pad);
   for (int32_t i = 0; i < pad; ++i) mid[-1 - i] = before[static_cast<size_t>(i)];
+}
+
+void FilterZeroPhase(const Cascade& cascade, double* x, int32_t count, std::vector<double>& work) {
+  if (count < 2 || cascade.sections.empty()) return;
+  const int32_t pad = ExtensionFor(cascade);
+  const size_t total = static_cast<size_t>(count) + 2 * static_cast<size_t>(pad);
+  work.resize(total);
+  ExtendByPrediction(x, count, pad, work.data());
   RunCascade(cascade.sections, work.data(), total, 1);
   RunCascade(cascade.sections, work.data() + total - 1, total, -1);
-  std::copy(mid, mid + count, x);
+  std::copy(work.data() + pad, work.data() + pad + count, x);
 }
 
 }  // namespace aqx::engine
@@ -177,8 +187,7 @@ void FilterColumn(const Cascade& cascade, int16_t* signalData, int32_t column, i
                   std::vector<double>& samples, std::vector<double>& work) {
   if (n < 2 || cascade.sections.empty()) return;
   samples.resize(static_cast<size_t>(n));
-  const int16_t* src = CodePtr(signalData, 1, column);
-  for (int32_t i = 0; i < n; ++i) samples[static_cast<size_t>(i)] = src[static_cast<size_t>(i) * kColumns];
+  ReadColumn(signalData, 1, column, n, samples.data());
   FilterZeroPhase(cascade, samples.data(), n, work);
   int16_t* dst = CodePtr(signalData, 1, column);
   for (int32_t i = 0; i < n; ++i) {

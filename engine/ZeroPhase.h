@@ -43,6 +43,13 @@ void AddButterworth(Cascade& c, Pass pass, double cutoffHz, double sampleHz);
 // Second-order notch (notch = true) or resonator at centreHz with quality q.
 void AddResonance(Cascade& c, bool notch, double centreHz, double q, double sampleHz);
 
+// Values each side of a record that let the passes of the cascade settle.
+int32_t ExtensionFor(const Cascade& cascade);
+
+// Writes x[0..count-1] to extended[pad..pad+count) (x may already lie there)
+// and continues it by `pad` predicted values on both sides.
+void ExtendByPrediction(const double* x, int32_t count, int32_t pad, double* extended);
+
 // Filters x[0..count-1] in place; `work` is reused scratch.
 void FilterZeroPhase(const Cascade& cascade, double* x, int32_t count, std::vector<double>& work);
 
