@@ -1,6 +1,7 @@
 // The shaft marker detector and Otmetchick.
 
 #include "engine/MarkerDetect.h"
+#include "engine/Parallel.h"
 
 #include <vector>
 
@@ -16,13 +17,11 @@ struct Levels {
   int32_t greatest = 0;
 };
 
-Levels LevelsOf(const int16_t* signalData, int32_t column, Stretch rows) {
+Levels LevelsOf(const std::vector<int16_t>& codes) {
   std::vector<int32_t> histogram(65536, 0);
-  for (int32_t row = rows.first; row <= rows.last; ++row) {
-    ++histogram[static_cast<size_t>(CodeAt(signalData, row, column) + 32768)];
-  }
+  for (int16_t code : codes) ++histogram[static_cast<size_t>(code + 32768)];
   Levels l;
-  const int32_t half = rows.count() / 2;
+  const int32_t half = static_cast<int32_t>(codes.size()) / 2;
   int32_t seen = 0;
   bool medianFound = false;
   bool leastFound = false;
@@ -51,9 +50,12 @@ MarkerResult DetectMarks(const int16_t* signalData, int32_t column, Stretch rows
   result.rising = settings.rising;
   if (rows.count() < 2) return result;
 
+  // The column once out of the store, for both passes.
+  std::vector<int16_t> codes(static_cast<size_t>(rows.count()));
+  ReadColumn(signalData, rows.first, column, rows.count(), codes.data());
   int32_t hysteresis = std::max(settings.hysteresis, 0);
   if (settings.automatic) {
-    const Levels l = LevelsOf(signalData, column, rows);
+    const Levels l = LevelsOf(codes);
     const int32_t up = l.greatest - l.median;
     const int32_t down = l.median - l.least;
     result.rising = up >= down;
@@ -66,7 +68,7 @@ MarkerResult DetectMarks(const int16_t* signalData, int32_t column, Stretch rows
   const double level = result.level;
   // Looked at from the pulse's side: positive means "into the pulse".
   const double sign = result.rising ? 1.0 : -1.0;
-  auto depth = [&](int32_t row) { return sign * (CodeAt(signalData, row, column) - level); };
+  auto depth = [&](int32_t row) { return sign * (codes[static_cast<size_t>(row - rows.first)] - level); };
 
   const int64_t dead = std::max(settings.deadSamples, 0);
   bool armed = depth(rows.first) < 0.0;

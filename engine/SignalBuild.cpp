@@ -2,6 +2,7 @@
 // AccountDataBuildSignal and AccountDataBuildSpectr.
 
 #include "engine/EngineCommon.h"
+#include "engine/Parallel.h"
 
 #include <array>
 
@@ -75,37 +76,51 @@ extern "C" int32_t AccountDataBuildSignal(int32_t widthPixels, int32_t centreLin
   };
 
   const int16_t* src = CodePtr(SignalData, rows.first, channel);
-  int32_t previous = centreLine;
-  int32_t start = firstSampleOf(0);
-  for (int32_t x = 0; x < width; ++x) {
-    const int32_t end = x == width - 1 ? n : firstSampleOf(x + 1);
-    int32_t top = previous;
-    int32_t bottom = previous;
-    if (end > start) {
-      // Two running extremes per parity let the loads of neighbouring rows
-      // overlap instead of waiting on one compare chain.
-      const int16_t* p = src + static_cast<size_t>(start) * kColumns;
-      int16_t lo0 = *p, hi0 = *p, lo1 = *p, hi1 = *p;
-      int32_t i = start;
-      for (; i + 1 < end; i += 2, p += 2 * kColumns) {
-        lo0 = std::min(lo0, p[0]);
-        hi0 = std::max(hi0, p[0]);
-        lo1 = std::min(lo1, p[kColumns]);
-        hi1 = std::max(hi1, p[kColumns]);
+  // Columns [xBegin, xEnd); an empty column (zoomed in past a sample a pixel)
+  // repeats the bottom of the one before.
+  auto fillColumns = [&](int32_t xBegin, int32_t xEnd) {
+    int32_t previous = centreLine;
+    int32_t start = firstSampleOf(xBegin);
+    for (int32_t x = xBegin; x < xEnd; ++x) {
+      const int32_t end = x == width - 1 ? n : firstSampleOf(x + 1);
+      int32_t top = previous;
+      int32_t bottom = previous;
+      if (end > start) {
+        // Two running extremes per parity let the loads of neighbouring rows
+        // overlap instead of waiting on one compare chain.
+        const int16_t* p = src + static_cast<size_t>(start) * kColumns;
+        int16_t lo0 = *p, hi0 = *p, lo1 = *p, hi1 = *p;
+        int32_t i = start;
+        for (; i + 1 < end; i += 2, p += 2 * kColumns) {
+          lo0 = std::min(lo0, p[0]);
+          hi0 = std::max(hi0, p[0]);
+          lo1 = std::min(lo1, p[kColumns]);
+          hi1 = std::max(hi1, p[kColumns]);
+        }
+        if (i < end) {
+          lo0 = std::min(lo0, p[0]);
+          hi0 = std::max(hi0, p[0]);
+        }
+        const int32_t ya = ord.at(std::min(lo0, lo1));
+        const int32_t yb = ord.at(std::max(hi0, hi1));
+        top = std::min(ya, yb);
+        bottom = std::max(ya, yb);
       }
-      if (i < end) {
-        lo0 = std::min(lo0, p[0]);
-        hi0 = std::max(hi0, p[0]);
-      }
-      const int32_t ya = ord.at(std::min(lo0, lo1));
-      const int32_t yb = ord.at(std::max(hi0, hi1));
-      top = std::min(ya, yb);
-      bottom = std::max(ya, yb);
+      output[2 * static_cast<size_t>(x)] = top;
+      output[2 * static_cast<size_t>(x) + 1] = bottom;
+      previous = bottom;
+      start = std::max(start, end);
     }
-    output[2 * static_cast<size_t>(x)] = top;
-    output[2 * static_cast<size_t>(x) + 1] = bottom;
-    previous = bottom;
-    start = std::max(start, end);
+  };
+  // With a sample in every column the columns do not depend on each other,
+  // and a long stretch is read in two halves at once.
+  const bool everyColumnFilled = pps <= 1.0 && columnOf(n - 1) >= width - 1;
+  if (!everyColumnFilled || n < static_cast<int32_t>(kSplitLeastItems)) {
+    fillColumns(0, width);
+  } else {
+    SplitInTwo(
+        static_cast<size_t>(width),
+        [&](size_t begin, size_t end) { fillColumns(static_cast<int32_t>(begin), static_cast<int32_t>(end)); }, 2);
   }
   return 0;
 }

@@ -4,10 +4,12 @@
 // (AccountProbe).
 
 #include "engine/FftPlans.h"
+#include "engine/Parallel.h"
 #include "engine/SpectrumKernel.h"
 #include "engine/SpectrumMath.h"
 
 #include <complex>
+#include <utility>
 #include <vector>
 
 using namespace aqx::engine;
@@ -56,11 +58,15 @@ Complex WindowedLine(const Complex* x, int32_t L, int32_t k) {
   return 0.5 * value(k) - 0.25 * (value(k - 1) + value(k + 1));
 }
 
+// Lines [first, last) for a share [begin, end) of the lines from 1 on.
+std::pair<int32_t, int32_t> LineRange(size_t begin, size_t end) {
+  return {static_cast<int32_t>(begin) + 1, static_cast<int32_t>(end) + 1};
+}
+
 // Reads L codes of one column from `firstRow` into the buffer and transforms.
 void TransformBlock(const int16_t* signalData, int32_t column, int32_t firstRow, int32_t L,
                     const FftPlan& plan, double* buffer) {
-  const int16_t* src = signalData + static_cast<size_t>(firstRow - 1) * kColumns + column;
-  for (int32_t i = 0; i < L; ++i) buffer[i] = src[static_cast<size_t>(i) * kColumns];
+  ReadColumn(signalData, firstRow, column, L, buffer);
   plan.execute(buffer);
 }
 
@@ -180,9 +186,12 @@ extern "C" void AccountSpectrFull(double* /*SpectrRe*/, double* /*SpectrIm*/, do
     TransformBlock(SignalData, column, rows.first, L, *plan, work.data());
     if (StatusFilterConst != 0) x[0] = 0.0;
     const int64_t shift = static_cast<int64_t>(rows.first) - reference;
-    if (rotate) FillRotation(shift, L, 1, inner, rotation.data());
-    WindowedLines(work.data(), 1, inner, rotate ? rotation.data() : nullptr, lineScale, SpectrAmplitude,
-                  phase, real);
+    SplitInTwo(static_cast<size_t>(inner - 1), [&](size_t begin, size_t end) {
+      const auto [first, last] = LineRange(begin, end);
+      double* turn = rotate ? rotation.data() + 2 * static_cast<size_t>(first - 1) : nullptr;
+      if (turn != nullptr) FillRotation(shift, L, first, last, turn);
+      WindowedLines(work.data(), first, last, turn, lineScale, SpectrAmplitude, phase, real);
+    });
     for (int32_t k : edgeLines) {
       const Complex z = WindowedLine(x, L, k) * RotationAt(shift, L, k);
       if (k == 0) {
@@ -210,8 +219,12 @@ extern "C" void AccountSpectrFull(double* /*SpectrRe*/, double* /*SpectrIm*/, do
       TransformBlock(SignalData, column, start, L, *plan, work.data());
       if (StatusFilterConst != 0) x[0] = 0.0;
       const int64_t shift = static_cast<int64_t>(start) - reference;
-      FillRotation(shift, L, 1, inner, rotation.data());
-      AccumulateLines(work.data(), 1, inner, rotation.data(), magnitudes.data(), sums.data());
+      SplitInTwo(static_cast<size_t>(inner - 1), [&](size_t begin, size_t end) {
+        const auto [first, last] = LineRange(begin, end);
+        double* turn = rotation.data() + 2 * static_cast<size_t>(first - 1);
+        FillRotation(shift, L, first, last, turn);
+        AccumulateLines(work.data(), first, last, turn, magnitudes.data(), sums.data());
+      });
       for (int32_t k : edgeLines) {
         const Complex z = WindowedLine(x, L, k) * RotationAt(shift, L, k);
         magnitudes.data()[k] += std::sqrt(std::norm(z));
