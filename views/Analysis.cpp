@@ -58,6 +58,10 @@ void AccountSignalMaxAll(AppState& s) {
                    used.data(), s.SignalOffset.data(), s.SignalMeanValue.data(), s.SignalCurrentValue.data());
 }
 
+std::array<int32_t, 5> DetectorStretch(const AppState& s) {
+  return {s.SignalDataN, s.ViewFirst, s.ViewLast, s.SelectFirst, s.SelectLast};
+}
+
 void InstallEngineSteps(ViewRegistry& registry, AppState& s, const SignalViewOptions& o, AnalysisResults& r) {
   registry[RefreshStep::SpectrumFirst] = [&s, &o, &r] { AccountChannelSpectrum(s, o, r, s.FirstChannelActive); };
   // The trajectory's second channel; its spectrum replaces the first's in
@@ -65,7 +69,10 @@ void InstallEngineSteps(ViewRegistry& registry, AppState& s, const SignalViewOpt
   registry[RefreshStep::SpectrumNext] = [&s, &o, &r] { AccountChannelSpectrum(s, o, r, s.FirstChannelActive + 1); };
   registry[RefreshStep::Probe] = [&s, &r] { AccountChannelProbeValues(s, r); };
   registry[RefreshStep::SignalMax] = [&s] { AccountSignalMaxAll(s); };
-  registry[RefreshStep::Otmetchick] = [&s, &o, &r] { r.speed = RunOtmetchick(s, o); };
+  registry[RefreshStep::Otmetchick] = [&s, &o, &r] {
+    r.speed = RunOtmetchick(s, o);
+    r.speedStretch = DetectorStretch(s);
+  };
 }
 
 }  // namespace aqx::views

@@ -34,9 +34,15 @@ struct AnalysisResults {
   // Band levels (AccountVolumeField).
   std::array<int32_t, kBandCount> BandMax{};
   std::array<int32_t, kBandCount> BandMean{};
-  // Shaft marker detector of the last refresh.
+  // Shaft marker detector of the last refresh, and the stretch it ran on:
+  // the signal view's build in the same refresh takes it from here instead
+  // of running the detector a second time.
   RotorSpeed speed;
+  std::array<int32_t, 5> speedStretch{};
 };
+
+// What the shaft marker detector depends on besides the samples.
+std::array<int32_t, 5> DetectorStretch(const AppState& s);
 
 // AccountChannelSpectrum: the spectrum of a channel over the stretch in
 // force; rewrites StepDesc and SpectrLineCount.

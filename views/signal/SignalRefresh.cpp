@@ -1,5 +1,6 @@
 #include "views/signal/SignalRefresh.h"
 
+#include "views/Analysis.h"
 #include "views/parameters/ParameterSteps.h"
 
 #include <memory>
@@ -17,8 +18,11 @@ void InstallSignalView(ViewRegistry& registry, AppState& s, SignalViewOptions& o
     AccountChannelY0(s, o, v);
     if (h->controlsChanged) h->controlsChanged();
   };
-  registry[RefreshStep::BuildSignal] = [&s, &o, &v, h] {
-    DrawList picture = BuildSignal(s, o, v, h->fm);
+  registry[RefreshStep::BuildSignal] = [&s, &o, &v, &r, h] {
+    // The refresh has just run the detector on this stretch.
+    const bool marksFresh = r.speedStretch == DetectorStretch(s);
+    if (marksFresh) v.speed = r.speed;
+    DrawList picture = marksFresh ? DrawSignal(s, o, v, h->fm) : BuildSignal(s, o, v, h->fm);
     if (h->showPicture) h->showPicture(std::move(picture));
     if (h->showStatus) h->showStatus(OutInfoToStatusBar(s, o, v));
   };
