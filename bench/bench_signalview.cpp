@@ -111,8 +111,9 @@ void BM_AccountDataBuildSignal(benchmark::State& state) {
   state.counters["calls_per_s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }
 
-BENCHMARK(BM_AccountDataBuildSignal)->Arg(32768)->Arg(1048576)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ViewRefreshSignal)->Arg(32768)->Arg(1048576)->Unit(benchmark::kMillisecond);
+// Wall-clock time: the engine hands long stretches to a second thread.
+BENCHMARK(BM_AccountDataBuildSignal)->Arg(32768)->Arg(1048576)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_ViewRefreshSignal)->Arg(32768)->Arg(1048576)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
 
