@@ -33,6 +33,28 @@ TEST(EngineSignal, StatisticsOfTheViewedRows) {
   EXPECT_EQ(copy, (std::vector<double>{-7, 3, 10, kSentinelValue}));
 }
 
+// A long stretch is gone through in two halves at once; what each half
+// finds must add up.
+TEST(EngineSignal, StatisticsOfALongStretchJoinBothHalves) {
+  constexpr int32_t rows = 300000;
+  Store store(rows);
+  store.fill(7, rows, [](int32_t row) { return row <= rows / 2 ? 1 : 4; });
+  store.at(1000, 6) = -30000;
+  store.at(250000, 6) = 31000;
+  auto channel = PerChannel(0);
+  channel[5] = channel[6] = 1;
+  auto maxValue = PerChannel(kSentinel), offset = PerChannel(kSentinel), mean = PerChannel(kSentinel),
+       current = PerChannel(kSentinel);
+  AccountSignalMax(store.data(), 1, rows, maxValue.data(), channel.data(), offset.data(), mean.data(), current.data());
+  EXPECT_EQ(maxValue[5], 31000);
+  EXPECT_EQ(maxValue[6], 4);
+  EXPECT_EQ(mean[6], 2);  // 2.5 to even
+  EXPECT_EQ(current[6], 4);
+  AccountSignalMax(store.data(), 1, 200000, maxValue.data(), channel.data(), offset.data(), mean.data(),
+                   current.data());
+  EXPECT_EQ(maxValue[5], 30000);
+}
+
 TEST(EngineSignal, ClearanceAndOverload) {
   Store store(100);
   store.fill(1, 100, [](int32_t row) { return row % 2 ? 3000.0 : -2000.0; });  // run-out

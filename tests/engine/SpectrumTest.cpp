@@ -188,3 +188,27 @@ TEST(EngineSpectrum, CallersOnTwoThreadsShareThePlansSafely) {
   EXPECT_NEAR(a, 3000, 30);
   EXPECT_NEAR(b, 3000, 30);
 }
+
+// The lines of a long stretch are worked out in two halves at once, each
+// turned to the shaft mark; lines on both sides of the seam (256 Hz here)
+// keep amplitude and phase, alone and averaged over blocks.
+TEST(EngineSpectrum, LinesOfALongStretchKeepTheirPhaseInBothHalves) {
+  constexpr int32_t rows = 1 << 19;
+  Store store(rows);
+  store.fill(1, rows, [](int32_t row) { return Sine(row, 50.0, 6000, 30) + Sine(row, 256.0, 2000, 100); });
+  Request whole;
+  whole.last = rows;
+  whole.marks = {101};
+  Request blocks = whole;
+  blocks.block = rows / 2;
+  for (const Request& r : {whole, blocks}) {
+    const Spectrum s = Analyse(store, r);
+    const int32_t perHz = static_cast<int32_t>(std::lround(1.0 / s.step));
+    EXPECT_NEAR(s.amplitude[50 * perHz], 6000, 60);
+    EXPECT_NEAR(s.amplitude[256 * perHz], 2000, 20);
+    EXPECT_NEAR(s.amplitude[256 * perHz - 1], 1000, 10);  // the Hann window's neighbours
+    EXPECT_NEAR(s.amplitude[256 * perHz + 1], 1000, 10);
+    EXPECT_NEAR(AngleDifference(s.phase[50 * perHz], 30 - 360.0 * 50 * 100 / kSampleHz), 0, 1);
+    EXPECT_NEAR(AngleDifference(s.phase[256 * perHz], 100 - 360.0 * 256 * 100 / kSampleHz), 0, 1);
+  }
+}
