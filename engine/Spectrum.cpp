@@ -8,6 +8,7 @@
 #include "engine/SpectrumKernel.h"
 #include "engine/SpectrumMath.h"
 
+#include <array>
 #include <complex>
 #include <utility>
 #include <vector>
@@ -63,9 +64,51 @@ std::pair<int32_t, int32_t> LineRange(size_t begin, size_t end) {
   return {static_cast<int32_t>(begin) + 1, static_cast<int32_t>(end) + 1};
 }
 
+// A long block as its even and its odd samples, read and transformed at
+// once on two threads, then joined by one butterfly a line:
+// X[k] = E[k] + exp(-2*pi*i*k/L) * O[k]. False when no memory or plan.
+bool TransformInHalves(const int16_t* signalData, int32_t column, int32_t firstRow, int32_t L, double* buffer) {
+  const int32_t half = L / 2;
+  const auto halfPlan = PlanFor(FftKind::RealToComplex, half);
+  std::array<WorkBuffer, 2> parts = {WorkBuffer(RealTransformDoubles(half)), WorkBuffer(RealTransformDoubles(half))};
+  if (!halfPlan || parts[0].data() == nullptr || parts[1].data() == nullptr) return false;
+  auto transform = [&](int32_t parity) {
+    const int16_t* src = CodePtr(signalData, firstRow + parity, column);
+    double* out = parts[static_cast<size_t>(parity)].data();
+    for (int32_t i = 0; i < half; ++i) out[i] = src[static_cast<size_t>(i) * 2 * kColumns];
+    halfPlan->execute(out);
+  };
+  RunBoth([&] { transform(0); }, [&] { transform(1); });
+
+  const double* even = parts[0].data();
+  const double* odd = parts[1].data();
+  const size_t quarter = static_cast<size_t>(half) / 2;
+  SplitInTwo(static_cast<size_t>(half) + 1, [&](size_t begin, size_t end) {
+    constexpr size_t kChunk = 1024;
+    std::array<double, 2 * kChunk> twiddle;
+    for (size_t chunk = begin; chunk < end; chunk += kChunk) {
+      const size_t chunkEnd = std::min(end, chunk + kChunk);
+      FillRotation(1, L, static_cast<int32_t>(chunk), static_cast<int32_t>(chunkEnd), twiddle.data());
+      for (size_t k = chunk; k < chunkEnd; ++k) {
+        // Past a quarter the halves' lines mirror: E[k] = conj(E[L/2 - k]).
+        const size_t j = k <= quarter ? k : static_cast<size_t>(half) - k;
+        const double sign = k <= quarter ? 1.0 : -1.0;
+        const double er = even[2 * j], ei = sign * even[2 * j + 1];
+        const double orr = odd[2 * j], oi = sign * odd[2 * j + 1];
+        const double wr = twiddle[2 * (k - chunk)], wi = twiddle[2 * (k - chunk) + 1];
+        buffer[2 * k] = er + wr * orr - wi * oi;
+        buffer[2 * k + 1] = ei + wr * oi + wi * orr;
+      }
+    }
+  });
+  return true;
+}
+
 // Reads L codes of one column from `firstRow` into the buffer and transforms.
 void TransformBlock(const int16_t* signalData, int32_t column, int32_t firstRow, int32_t L,
                     const FftPlan& plan, double* buffer) {
+  const bool longBlock = L >= 2 * static_cast<int32_t>(kSplitLeastItems) && L % 4 == 0;
+  if (longBlock && TransformInHalves(signalData, column, firstRow, L, buffer)) return;
   ReadColumn(signalData, firstRow, column, L, buffer);
   plan.execute(buffer);
 }

@@ -189,13 +189,16 @@ TEST(EngineSpectrum, CallersOnTwoThreadsShareThePlansSafely) {
   EXPECT_NEAR(b, 3000, 30);
 }
 
-// The lines of a long stretch are worked out in two halves at once, each
-// turned to the shaft mark; lines on both sides of the seam (256 Hz here)
-// keep amplitude and phase, alone and averaged over blocks.
+// A long block is transformed as its even and odd samples, and its lines are
+// worked out in two halves at once, each turned to the shaft mark: lines
+// below, at and above the seams (256 Hz here) keep amplitude and phase,
+// alone and averaged over blocks.
 TEST(EngineSpectrum, LinesOfALongStretchKeepTheirPhaseInBothHalves) {
   constexpr int32_t rows = 1 << 19;
   Store store(rows);
-  store.fill(1, rows, [](int32_t row) { return Sine(row, 50.0, 6000, 30) + Sine(row, 256.0, 2000, 100); });
+  store.fill(1, rows, [](int32_t row) {
+    return Sine(row, 50.0, 6000, 30) + Sine(row, 256.0, 2000, 100) + Sine(row, 300.0, 1000, 60);
+  });
   Request whole;
   whole.last = rows;
   whole.marks = {101};
@@ -210,5 +213,7 @@ TEST(EngineSpectrum, LinesOfALongStretchKeepTheirPhaseInBothHalves) {
     EXPECT_NEAR(s.amplitude[256 * perHz + 1], 1000, 10);
     EXPECT_NEAR(AngleDifference(s.phase[50 * perHz], 30 - 360.0 * 50 * 100 / kSampleHz), 0, 1);
     EXPECT_NEAR(AngleDifference(s.phase[256 * perHz], 100 - 360.0 * 256 * 100 / kSampleHz), 0, 1);
+    EXPECT_NEAR(s.amplitude[300 * perHz], 1000, 10);
+    EXPECT_NEAR(AngleDifference(s.phase[300 * perHz], 60 - 360.0 * 300 * 100 / kSampleHz), 0, 1);
   }
 }
