@@ -11,6 +11,15 @@
 #include <cstdint>
 #include <limits>
 
+// A hot loop built twice, for processors with AVX2 and FMA and for any
+// x86-64, the loader choosing when the library loads. Not under the
+// sanitizers: their runtimes are not ready when the loader makes that choice.
+#if defined(__x86_64__) && !defined(__SANITIZE_THREAD__) && !defined(__SANITIZE_ADDRESS__)
+#define AQX_CLONED_FOR_AVX2 __attribute__((target_clones("arch=x86-64-v3", "default")))
+#else
+#define AQX_CLONED_FOR_AVX2
+#endif
+
 namespace aqx::engine {
 
 inline constexpr int32_t kRows = AQX_SIGNAL_ROWS;

@@ -74,7 +74,7 @@ __attribute__((always_inline)) inline void RunStages(Sections& s, Lanes& v) {
   }
 }
 
-__attribute__((target_clones("arch=x86-64-v3", "default")))
+AQX_CLONED_FOR_AVX2
 void ForwardPass(Sections& state, const double* record, size_t count, float* forward) {
   Sections s = state;  // a local copy stays in registers
   for (size_t i = 0; i < count; ++i) {
@@ -89,7 +89,7 @@ void ForwardPass(Sections& state, const double* record, size_t count, float* for
 
 // Takes the extremes of each run into its slot, keeping what the slot holds
 // already, so that a run may come in pieces.
-__attribute__((target_clones("arch=x86-64-v3", "default")))
+AQX_CLONED_FOR_AVX2
 void BackwardPass(Sections& state, const float* forward, const TrackedRun* runs, size_t runCount, double* least,
                   double* largest) {
   Sections s = state;

@@ -23,7 +23,7 @@ struct ColumnStats {
 // Least, greatest and sum of every column over the rows, in one pass row by
 // row so that the store is read in its own order: a row is two vectors of
 // 16 codes. The sums run in 32 bits over blocks short enough not to overflow.
-__attribute__((target_clones("arch=x86-64-v3", "default")))
+AQX_CLONED_FOR_AVX2
 ColumnStats StatsOfRows(const int16_t* signalData, Stretch rows) {
   constexpr int kHalf = kColumns / 2;
   using Codes = int16_t __attribute__((vector_size(kHalf * sizeof(int16_t))));
