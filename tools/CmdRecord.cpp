@@ -7,6 +7,7 @@
 #include "core/Numeric.h"
 #include "core/VirtualUnit.h"
 #include "engine/Aquilonix.h"
+#include "files/ContinuousRecording.h"
 #include "files/DataFile.h"
 #include "tools/RecordRun.h"
 #include "tools/ToolCommand.h"
@@ -69,15 +70,6 @@ double Seconds(std::chrono::steady_clock::time_point since) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
 }
 
-// The stop failure of a run is told plainly, with its number only.
-void TellStopFailure(Prompts& p, int32_t result) {
-  if (result != 0)
-    p.message(QStringLiteral("Error: %1").arg(result), QStringLiteral("Aquilonix"), PromptButtons::Ok,
-              PromptIcon::Critical);
-}
-
-QString ModuleTagOf(const char* moduleText) { return QString::fromLatin1(moduleText, static_cast<qsizetype>(strnlen(moduleText, 16))); }
-
 }  // namespace
 
 bool RunCyclicMeasurement(AppState& s, Prompts& p, double seconds, FILE* progress) {
@@ -125,64 +117,24 @@ bool RunCyclicMeasurement(AppState& s, Prompts& p, double seconds, FILE* progres
 }
 
 bool RunContinuousRecording(AppState& s, Prompts& p, double seconds, bool clearData, FILE* progress) {
-  const int used = RecountChannelUsedCount(s);
-  ExportVirtualUnit(s);
-  s.SolidMode = true;
-  s.SignalDataN = kMaxSamples;
-  if (used > 0) s.FreqDesc = s.FreqDescR = RoundHalfEven(static_cast<double>(s.FreqADC) / used);
-  s.SelectFirst = s.SelectLast = 0;
-  s.SolidBlockCount = 1;
-  s.SolidBlockN = 1;
-  s.SolidBlockM = 1;
-  s.object.RecordDate = DateTimeToOle(QDateTime::currentDateTime());
   s.SolidFileName = QFileInfo(s.PathFileData).completeBaseName().left(25);
-  // A new file of that name, the header first.
-  QFile::remove(s.PathFileData);
-  {
-    QFile created(s.PathFileData);
-    created.open(QIODevice::WriteOnly);
-  }
-  if (!WriteFileHeader(s, s.PathFileData, p)) {
-    QFile::remove(s.PathFileData);
-    return false;
-  }
-  s.SolidDataStart = static_cast<int32_t>(BuildFileHeaderBytes(s).size());
-  const int32_t recordBuffer = 1 << std::clamp(IntFloor(std::log2(std::max(s.FreqADC, 1))) + 1, 1, 30);
-  const QByteArray path = QFile::encodeName(s.PathFileData);
-  char moduleText[17] = {};
   StopSignals stop;
-  const int32_t started =
-      ReadDataToFile(path.constData(), s.SolidDataStart, recordBuffer, 100000, s.FreqADC / 1000.0, used,
-                     s.channels.Channel.data(), s.channels.Volume.data(), s.InputMode, s.SynchroAdType,
-                     s.SynchroAdMode, s.SynchroAdChannel, s.SynchroAdPorog, moduleText, s.ChannelDifferential,
-                     kMaxSamples, clearData ? 1 : 0);
-  if (started != 0) {
-    ShowEngineError(p, started);
-    QFile::remove(s.PathFileData);  // nothing but a header was written
-    return false;
-  }
-  s.ModuleTag = ModuleTagOf(moduleText);
+  if (!StartContinuousRecording(s, p, s.PathFileData, clearData)) return false;
   const auto since = std::chrono::steady_clock::now();
   double lastReport = 0.0;
-  int32_t ended = 0;
+  bool ended = false;
   while (Seconds(since) < seconds && !stop.waitForStop()) {
-    CopySignalDataDllRDTF(s.SignalData.data(), kMaxSamples, &s.SolidBlockCount, &s.SolidBlockN,
-                          s.channels.Channel.data());
-    ended = EndRDTF();
-    if (ended != 0) break;
+    ended = PollContinuousRecording(s);
+    if (ended) break;
     if (progress && Seconds(since) - lastReport >= 1.0) {
       lastReport = Seconds(since);
       std::fprintf(progress, "record: %.0f s, %s, block %d\n", lastReport,
                    FormatFileSize(InformationFileData()).toUtf8().constData(), s.SolidBlockN);
     }
   }
-  const int32_t stopped = StopRDTF();
-  TellStopFailure(p, stopped);
   if (progress && stop.stopAsked()) std::fprintf(progress, "record: stopped after %.1f s\n", Seconds(since));
-  if (progress && ended != 0) std::fprintf(progress, "record: the recording ended by itself (%d)\n", ended);
-  s.FreqDesc = s.FreqDescR;
-  // The module's tag belongs in the header; the rows behind it stay.
-  return WriteFileHeader(s, s.PathFileData, p);
+  if (progress && ended) std::fprintf(progress, "record: the recording ended by itself\n");
+  return StopContinuousRecording(s, p);
 }
 
 int RunRecord(ToolContext& ctx) {

@@ -4,6 +4,7 @@
 #include "core/Numeric.h"
 #include "core/VirtualUnit.h"
 #include "engine/Aquilonix.h"
+#include "files/ContinuousRecording.h"
 
 #include <QApplication>
 #include <QDateTime>
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 
 namespace aqx::ui {
 
@@ -69,7 +69,7 @@ void MeasurementRun::press() {
     refuse();
     return;
   }
-  s_.ModuleTag = QString::fromLatin1(moduleText.data(), static_cast<qsizetype>(strnlen(moduleText.data(), 16)));
+  s_.ModuleTag = ModuleTagOf(moduleText.data());
   s_.FreqDesc = s_.FreqDescR;
   s_.StepDesc = static_cast<double>(s_.FreqDescR) / std::max(s_.SignalDataN, 1);
   running_ = true;
@@ -94,9 +94,7 @@ void MeasurementRun::finish() {
   s_.object.RecordDate = DateTimeToOle(QDateTime::currentDateTime());
   const int32_t stopped = StopPotok();
   running_ = false;
-  if (stopped != 0)
-    prompts_.message(QStringLiteral("Error: %1").arg(stopped), QStringLiteral("Aquilonix"), PromptButtons::Ok,
-                     PromptIcon::Critical);
+  TellStopFailure(prompts_, stopped);
   if (!warnings_.isEmpty()) {
     warnings_.clear();
     prompts_.closeNotice();
