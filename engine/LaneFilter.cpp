@@ -173,6 +173,14 @@ void FilterLanesZeroPhase(const LaneCascade& c, const double* record, size_t cou
     return;
   }
 
+  // Everything the two threads need is allocated here, so that neither can
+  // fail inside.
+  std::vector<float> discarded(warm * kLaneCount);
+  const std::vector<TrackedRun> upper = Clipped(runs, half, count);
+  const std::vector<TrackedRun> lower = Clipped(runs, 0, half);
+  Extremes upperFound(slots);
+  Extremes lowerFound(slots);
+  Extremes warming(1);
   RunBoth(
       [&] {
         Sections s = settled(Broadcast(record[0]));
@@ -180,15 +188,10 @@ void FilterLanesZeroPhase(const LaneCascade& c, const double* record, size_t cou
       },
       [&] {
         Sections s = settled(Broadcast(record[half - warm]));
-        std::vector<float> discarded(warm * kLaneCount);
         ForwardPass(s, record + half - warm, warm, discarded.data());
         ForwardPass(s, record + half, count - half, forward + half * kLaneCount);
       });
 
-  const std::vector<TrackedRun> upper = Clipped(runs, half, count);
-  const std::vector<TrackedRun> lower = Clipped(runs, 0, half);
-  Extremes upperFound(slots);
-  Extremes lowerFound(slots);
   RunBoth(
       [&] {
         Sections s = settled(StoredAt(forward, count - 1));
@@ -197,9 +200,8 @@ void FilterLanesZeroPhase(const LaneCascade& c, const double* record, size_t cou
       [&] {
         const size_t start = std::min(count, half + warm);
         Sections s = settled(StoredAt(forward, start - 1));
-        Extremes discarded(1);
-        const TrackedRun warming{half, start, 0};
-        BackwardPass(s, forward, &warming, 1, discarded.least.data(), discarded.largest.data());
+        const TrackedRun warmRun{half, start, 0};
+        BackwardPass(s, forward, &warmRun, 1, warming.least.data(), warming.largest.data());
         BackwardPass(s, forward, lower.data(), lower.size(), lowerFound.least.data(), lowerFound.largest.data());
       });
   for (size_t i = 0; i < slots * kLaneCount; ++i) {
