@@ -8,6 +8,7 @@
 #include "ui/Icons.h"
 #include "ui/MainWindow.h"
 #include "ui/MeasurementRun.h"
+#include "ui/ModuleWindows.h"
 #include "ui/ParametersWindow.h"
 #include "ui/SignalWindow.h"
 #include "ui/ViewOptions.h"
@@ -225,6 +226,31 @@ void MainWindow::mnuHelpAbout() {
                     .arg(AQX_VERSION_MINOR)
                     .arg(AQX_VERSION_PATCH),
                 QStringLiteral("О программе"));
+}
+
+// The module's service windows stand beside the workspace, one of each.
+void MainWindow::mnuHelpADC() {
+  if (infoAdc_) {
+    infoAdc_->raise();
+    infoAdc_->activateWindow();
+    return;
+  }
+  auto* window = new InfoAdcWindow(prompts_, this);
+  infoAdc_ = window;
+  s_.ViewOpenFlags[frmViewInfoADC] = true;
+  connect(window, &QObject::destroyed, this, [this] { s_.ViewOpenFlags[frmViewInfoADC] = false; });
+  window->show();
+}
+
+void MainWindow::mnuServiceDigitalLines() {
+  if (digitalLines_) {
+    digitalLines_->raise();
+    digitalLines_->activateWindow();
+    return;
+  }
+  auto* window = new DigitalLinesWindow(prompts_, this);
+  digitalLines_ = window;
+  window->show();
 }
 
 // ---------------------------------------------------------------------------

@@ -202,11 +202,11 @@ void MainWindow::buildOtherMenus() {
       {"mnuServiceLineka", "Линейка"},
       {"mnuServiceEvaluation", "Оценка"},
       {"mnuServiceDetectSensor", "Тарировка датчиков биения"},
-      {"mnuServiceOtm", "Искуственный отметчик"},
-      {"mnuHelpADC", "Информация АЦП"},
-      {"mnuServiceDigitalLines", "Цифровые линии"},
-      {"mnuServicePlayerSound", "Проигрыватель"}};
+      {"mnuServiceOtm", "Искуственный отметчик"}};
   for (const auto& [name, caption] : serviceCommands) addLaterCommand(service, name, QString::fromUtf8(caption));
+  addCommand(service, "mnuHelpADC", QStringLiteral("Информация АЦП"), &MainWindow::mnuHelpADC);
+  addCommand(service, "mnuServiceDigitalLines", QStringLiteral("Цифровые линии"), &MainWindow::mnuServiceDigitalLines);
+  addLaterCommand(service, "mnuServicePlayerSound", QStringLiteral("Проигрыватель"));
   actions_.value(QStringLiteral("mnuHelpADC"))->setIcon(MakeToolIcon(ToolIcon::ADC));
 
   QMenu* window = menuBar()->addMenu(QStringLiteral("Окно"));

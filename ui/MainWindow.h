@@ -19,6 +19,7 @@
 class QActionGroup;
 class QLineEdit;
 class QMdiArea;
+class QDialog;
 class QMdiSubWindow;
 class QMenu;
 class QToolBar;
@@ -124,6 +125,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   void mnuWindowTileSideBySide();
   void mnuWindowClose();
   void mnuHelpAbout();
+  void mnuHelpADC();
+  void mnuServiceDigitalLines();
   void mnuSignalToggle(const QString& key);
   void mnuSignalCursor(int entry);
   void mnuSignalCopy();
@@ -163,6 +166,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   QHash<QString, QAction*> actions_;
   std::vector<QAction*> recentActions_;
   QAction* recentLine_ = nullptr;
+  QPointer<QDialog> infoAdc_;
+  QPointer<QDialog> digitalLines_;
   MeasurementRun* run_ = nullptr;
   bool measuring_ = false;
   bool refreshing_ = false;
