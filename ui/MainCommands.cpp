@@ -230,16 +230,20 @@ void MainWindow::mnuHelpAbout() {
 
 // The module's service windows stand beside the workspace, one of each.
 void MainWindow::mnuHelpADC() {
+  // The command and its button show and hide the window, like the views'.
   if (infoAdc_) {
-    infoAdc_->raise();
-    infoAdc_->activateWindow();
+    infoAdc_->close();
     return;
   }
   auto* window = new InfoAdcWindow(prompts_, this);
   infoAdc_ = window;
   s_.ViewOpenFlags[frmViewInfoADC] = true;
-  connect(window, &QObject::destroyed, this, [this] { s_.ViewOpenFlags[frmViewInfoADC] = false; });
+  connect(window, &QObject::destroyed, this, [this] {
+    s_.ViewOpenFlags[frmViewInfoADC] = false;
+    QMetaObject::invokeMethod(this, [this] { updateViewChecks(); }, Qt::QueuedConnection);
+  });
   window->show();
+  updateViewChecks();
 }
 
 void MainWindow::mnuServiceDigitalLines() {

@@ -204,7 +204,7 @@ void MainWindow::buildOtherMenus() {
       {"mnuServiceDetectSensor", "Тарировка датчиков биения"},
       {"mnuServiceOtm", "Искуственный отметчик"}};
   for (const auto& [name, caption] : serviceCommands) addLaterCommand(service, name, QString::fromUtf8(caption));
-  addCommand(service, "mnuHelpADC", QStringLiteral("Информация АЦП"), &MainWindow::mnuHelpADC);
+  addCommand(service, "mnuHelpADC", QStringLiteral("Информация АЦП"), &MainWindow::mnuHelpADC)->setCheckable(true);
   addCommand(service, "mnuServiceDigitalLines", QStringLiteral("Цифровые линии"), &MainWindow::mnuServiceDigitalLines);
   addLaterCommand(service, "mnuServicePlayerSound", QStringLiteral("Проигрыватель"));
   actions_.value(QStringLiteral("mnuHelpADC"))->setIcon(MakeToolIcon(ToolIcon::ADC));
@@ -305,7 +305,7 @@ void MainWindow::buildToolbars() {
   button("FormaRotorDiagram", "mnuViewFormaRotorDiagram", ToolIcon::FormaRotorDiagram, QString());
   button("FormaRotorSpectr", "mnuViewFormaRotorSpectr", ToolIcon::FormaRotorSpectr, QString());
   button("Parameters", "mnuViewParameters", ToolIcon::Parameters, QStringLiteral("Параметры"));
-  button("ADC", "mnuHelpADC", ToolIcon::ADC, QString());
+  button("ADC", "mnuHelpADC", ToolIcon::ADC, QStringLiteral("Информация АЦП"));
   toolbarMain_->addSeparator();
   button("BlockFirst", "mnuViewBlockFirst", ToolIcon::BlockFirst, QString());
   button("BlockPrevious", "mnuViewBlockPrevious", ToolIcon::BlockPrevious, QString());

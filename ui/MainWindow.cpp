@@ -96,6 +96,8 @@ MainWindow::~MainWindow() {
   // while the state and the store they write to are still there.
   delete signalSub_.data();
   delete parametersSub_.data();
+  delete infoAdc_.data();
+  delete digitalLines_.data();
 }
 
 OpenFileContext MainWindow::context() {
@@ -204,6 +206,9 @@ void MainWindow::RefreshToolbarMainMenu() {
   action(QStringLiteral("mnuViewParameters"))->setEnabled(data);
   for (int k = 0; k < kViewStyleCount; ++k) action(QStringLiteral("mnuViewStyle%1").arg(k))->setEnabled(data);
   for (QAction* a : recentActions_) a->setEnabled(idle);
+  // The module is the run's while it lasts.
+  action(QStringLiteral("mnuHelpADC"))->setEnabled(idle);
+  action(QStringLiteral("mnuServiceDigitalLines"))->setEnabled(idle);
   QAction* record = action(QStringLiteral("mnuFileRecord"));
   record->setChecked(run_->requested());
   // A stop is under way until the next tick; continuous recording comes
@@ -224,6 +229,7 @@ void MainWindow::RefreshToolbarMainMenu() {
 void MainWindow::updateViewChecks() {
   action(QStringLiteral("mnuViewSignal"))->setChecked(signalWindow() != nullptr);
   action(QStringLiteral("mnuViewParameters"))->setChecked(parametersWindow() != nullptr);
+  action(QStringLiteral("mnuHelpADC"))->setChecked(infoAdc_ != nullptr);
   const int style = s_.ViewStyle;
   for (int k = 0; k < kViewStyleCount; ++k) action(QStringLiteral("mnuViewStyle%1").arg(k))->setChecked(k == style);
 }

@@ -10,6 +10,7 @@
 
 #include <QHash>
 #include <QMainWindow>
+#include <QDialog>
 #include <QPointer>
 
 #include <array>
@@ -19,7 +20,6 @@
 class QActionGroup;
 class QLineEdit;
 class QMdiArea;
-class QDialog;
 class QMdiSubWindow;
 class QMenu;
 class QToolBar;

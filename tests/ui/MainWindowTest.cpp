@@ -15,6 +15,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QDialog>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QElapsedTimer>
@@ -357,6 +358,9 @@ TEST(MainWindow, RecordCommandRunsTheVirtualModuleUntilPressedAgain) {
   EXPECT_TRUE(record->isChecked());
   EXPECT_EQ(record->text(), QStringLiteral("Останов измерений"));
   EXPECT_FALSE(w.window->action(QStringLiteral("mnuFileOpen"))->isEnabled());
+  // The module belongs to the run.
+  EXPECT_FALSE(w.window->action(QStringLiteral("mnuHelpADC"))->isEnabled());
+  EXPECT_FALSE(w.window->action(QStringLiteral("mnuServiceDigitalLines"))->isEnabled());
   ASSERT_NE(w.window->signalWindow(), nullptr);  // the live cycle in the views of the style
   QElapsedTimer clock;
   clock.start();
@@ -382,6 +386,24 @@ TEST(MainWindow, RecordCommandRunsTheVirtualModuleUntilPressedAgain) {
   w.prompts.answers.push_back(PromptAnswer::Cancel);
   w.window->close();
   EXPECT_TRUE(w.window->isVisible());
+}
+
+TEST(MainWindow, TheModuleInformationCommandShowsAndHidesItsWindow) {
+  Workbench w;
+  QAction* adc = w.window->action(QStringLiteral("mnuHelpADC"));
+  adc->trigger();
+  Pump();
+  auto* info = w.window->findChild<QDialog*>(QStringLiteral("frmViewInfoADC"));
+  ASSERT_NE(info, nullptr);
+  EXPECT_TRUE(info->isVisible());
+  EXPECT_TRUE(w.state->ViewOpenFlags[frmViewInfoADC]);
+  EXPECT_TRUE(adc->isChecked());
+  adc->trigger();
+  Pump();
+  Pump();
+  EXPECT_EQ(w.window->findChild<QDialog*>(QStringLiteral("frmViewInfoADC")), nullptr);
+  EXPECT_FALSE(w.state->ViewOpenFlags[frmViewInfoADC]);
+  EXPECT_FALSE(adc->isChecked());
 }
 
 TEST(MainWindow, ClosingDuringARunStopsItAndAsks) {
