@@ -47,6 +47,17 @@ QAction* MainWindow::addToggle(QMenu* menu, const char* name, const QString& cap
   return a;
 }
 
+QAction* MainWindow::addCheck(QMenu* menu, const QString& name, const QString& caption,
+                              std::function<void()> onClick, QActionGroup* group) {
+  auto* a = new QAction(caption, group != nullptr ? static_cast<QObject*>(group) : this);
+  a->setObjectName(name);
+  a->setCheckable(true);
+  connect(a, &QAction::triggered, this, std::move(onClick));
+  menu->addAction(a);
+  actions_.insert(name, a);
+  return a;
+}
+
 void MainWindow::buildMenus() {
   buildFileMenu();
   buildViewMenu();
@@ -117,12 +128,8 @@ void MainWindow::buildViewMenu() {
   QMenu* channels = view->addMenu(QStringLiteral("Каналы"));
   channels->setObjectName(QStringLiteral("mnuViewChannels"));
   for (int c = 1; c <= kMaxChannels; ++c) {
-    auto* a = new QAction(QStringLiteral("Канал №%1").arg(c), this);
-    a->setObjectName(QStringLiteral("mnuViewChannel%1").arg(c));
-    a->setCheckable(true);
-    connect(a, &QAction::triggered, this, [this, c] { SelectActiveChannel(c); });
-    channels->addAction(a);
-    actions_.insert(a->objectName(), a);
+    addCheck(channels, QStringLiteral("mnuViewChannel%1").arg(c), QStringLiteral("Канал №%1").arg(c),
+             [this, c] { SelectActiveChannel(c); });
   }
   QMenu* blocks = view->addMenu(QStringLiteral("Блоки"));
   blocks->setObjectName(QStringLiteral("mnuViewBlock"));
@@ -153,24 +160,16 @@ void MainWindow::buildViewMenu() {
   styles->setObjectName(QStringLiteral("mnuViewStyles"));
   auto* styleGroup = new QActionGroup(this);
   for (int k = 0; k < kViewStyleCount; ++k) {
-    auto* a = new QAction(ViewStyleDefinition(k).caption, styleGroup);
-    a->setObjectName(QStringLiteral("mnuViewStyle%1").arg(k));
-    a->setCheckable(true);
-    connect(a, &QAction::triggered, this, [this, k] { mnuViewStyle(k); });
-    styles->addAction(a);
-    actions_.insert(a->objectName(), a);
+    addCheck(styles, QStringLiteral("mnuViewStyle%1").arg(k), ViewStyleDefinition(k).caption,
+             [this, k] { mnuViewStyle(k); }, styleGroup);
   }
   QMenu* colors = view->addMenu(QStringLiteral("Фон окон"));
   colors->setObjectName(QStringLiteral("mnuViewColorsBack"));
   auto* colorGroup = new QActionGroup(this);
   const QStringList captions = ColorBackCaptions();
   for (int k = 0; k < captions.size(); ++k) {
-    auto* a = new QAction(captions[k], colorGroup);
-    a->setObjectName(QStringLiteral("mnuViewColorBack%1").arg(k));
-    a->setCheckable(true);
-    connect(a, &QAction::triggered, this, [this, k] { ColorBack(k); });
-    colors->addAction(a);
-    actions_.insert(a->objectName(), a);
+    addCheck(colors, QStringLiteral("mnuViewColorBack%1").arg(k), captions[k], [this, k] { ColorBack(k); },
+             colorGroup);
   }
 }
 
@@ -237,38 +236,22 @@ void MainWindow::buildSignalMenu() {
       {"LineCenter", "Линия центра"},       {"LineZero", "Нулевая линия"},
       {"OtmetchickLine", "Линии отметчика"}, {"Otmetchick", "Порог отметчика"},
       {"BeginPoint", "Начальная точка"}};
-  for (const auto& [key, caption] : toggles) {
-    auto* a = new QAction(QString::fromUtf8(caption), this);
-    a->setObjectName(QStringLiteral("mnuSignal") + QString::fromLatin1(key));
-    a->setCheckable(true);
+  auto addToggleOfView = [this](const char* key, const char* caption) {
     const QString k = QString::fromLatin1(key);
-    connect(a, &QAction::triggered, this, [this, k] { mnuSignalToggle(k); });
-    mnuSignal_->addAction(a);
-    actions_.insert(a->objectName(), a);
-  }
+    addCheck(mnuSignal_, QStringLiteral("mnuSignal") + k, QString::fromUtf8(caption), [this, k] { mnuSignalToggle(k); });
+  };
+  for (const auto& [key, caption] : toggles) addToggleOfView(key, caption);
   QMenu* cursor = mnuSignal_->addMenu(QStringLiteral("Курсор"));
   cursor->setObjectName(QStringLiteral("mnuSignalCursor"));
   const char* const cursorCaptions[] = {"Свободный", "Привязанный"};
   for (int entry = 0; entry < 2; ++entry) {
-    auto* a = new QAction(QString::fromUtf8(cursorCaptions[entry]), this);
-    a->setObjectName(QStringLiteral("mnuSignalCursor%1").arg(entry));
-    a->setCheckable(true);
-    connect(a, &QAction::triggered, this, [this, entry] { mnuSignalCursor(entry); });
-    cursor->addAction(a);
-    actions_.insert(a->objectName(), a);
+    addCheck(cursor, QStringLiteral("mnuSignalCursor%1").arg(entry), QString::fromUtf8(cursorCaptions[entry]),
+             [this, entry] { mnuSignalCursor(entry); });
   }
   mnuSignal_->addSeparator();
   const std::pair<const char*, const char*> bars[] = {
       {"StatusBarParameter", "Панель параметров"}, {"Control", "Элементы управления"}, {"StatusBar", "Информационная строка"}};
-  for (const auto& [key, caption] : bars) {
-    auto* a = new QAction(QString::fromUtf8(caption), this);
-    a->setObjectName(QStringLiteral("mnuSignal") + QString::fromLatin1(key));
-    a->setCheckable(true);
-    const QString k = QString::fromLatin1(key);
-    connect(a, &QAction::triggered, this, [this, k] { mnuSignalToggle(k); });
-    mnuSignal_->addAction(a);
-    actions_.insert(a->objectName(), a);
-  }
+  for (const auto& [key, caption] : bars) addToggleOfView(key, caption);
   mnuSignal_->addSeparator();
   addCommand(mnuSignal_, "mnuSignalCopyPicture", QStringLiteral("Копировать рисунок"), &MainWindow::mnuSignalCopy)
       ->setIcon(MakeToolIcon(ToolIcon::Copy));

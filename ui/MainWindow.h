@@ -8,12 +8,13 @@
 #include "files/SolidFile.h"
 #include "ui/ViewHost.h"
 
+#include <QDialog>
 #include <QHash>
 #include <QMainWindow>
-#include <QDialog>
 #include <QPointer>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -104,6 +105,9 @@ class MainWindow : public QMainWindow, public ViewHost {
                       bool available = true);
   QAction* addLaterCommand(QMenu* menu, const char* name, const QString& caption);
   QAction* addToggle(QMenu* menu, const char* name, const QString& caption, void (MainWindow::*handler)());
+  // A checkable entry that calls `onClick`; in `group` when one of a set is chosen.
+  QAction* addCheck(QMenu* menu, const QString& name, const QString& caption, std::function<void()> onClick,
+                    QActionGroup* group = nullptr);
 
   // Commands (MainCommands.cpp).
   void mnuFileRecord();
