@@ -1,12 +1,16 @@
 #pragma once
 // Test helpers: binary files put together at literal offsets, and a state
-// with a file path in a temporary folder.
+// that reads them from a temporary folder.
 
 #include "core/AppState.h"
+#include "core/Prompts.h"
 
 #include <QByteArray>
 #include <QFile>
 #include <QString>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 #include <bit>
 #include <cstdint>
@@ -65,5 +69,24 @@ inline QByteArray ReadBytes(const QString& path) {
 
 // The state is 64 MiB of samples; tests keep it on the heap.
 inline std::unique_ptr<AppState> NewState() { return std::make_unique<AppState>(); }
+
+// A foreign file written to a temporary folder and read into the state by
+// the reader of its format.
+template <bool (*Read)(AppState&, Prompts&)>
+class ForeignFileTest : public ::testing::Test {
+ protected:
+  explicit ForeignFileTest(const char* fileName) : fileName_(QString::fromLatin1(fileName)) {}
+  bool open(const QByteArray& bytes) {
+    state->PathFileData = dir.filePath(fileName_);
+    EXPECT_TRUE(WriteBytes(state->PathFileData, bytes));
+    return Read(*state, prompts);
+  }
+  QTemporaryDir dir;
+  std::unique_ptr<AppState> state = NewState();
+  ScriptedPrompts prompts;
+
+ private:
+  QString fileName_;
+};
 
 }  // namespace aqx::testing

@@ -3,7 +3,6 @@
 #include "ForeignFileBytes.h"
 
 #include <QLocale>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -13,8 +12,6 @@ namespace aqx {
 namespace {
 
 using testing::FileBytes;
-using testing::NewState;
-using testing::WriteBytes;
 
 constexpr int kBlock = 1078;  // channel 1, text 44, type 1, two floats 8, samples 1024
 
@@ -57,22 +54,15 @@ QByteArray Ramp(int start) {
 
 int V(int byte) { return byte >= 128 ? byte : byte + 256; }
 
-class RslTest : public ::testing::Test {
+class RslTest : public testing::ForeignFileTest<ReadFileRSL> {
  protected:
+  RslTest() : ForeignFileTest("rec.rsl") {}
   void SetUp() override {
     QLocale::setDefault(QLocale::c());
     for (int r = 1; r <= 1100; ++r) state->SignalData.at(r, 32) = 999;
     state->object.Station = QStringLiteral("before");
     state->SignalDataN = 4096;
   }
-  bool open(const QByteArray& bytes) {
-    state->PathFileData = dir.filePath(QStringLiteral("rec.rsl"));
-    EXPECT_TRUE(WriteBytes(state->PathFileData, bytes));
-    return ReadFileRSL(*state, prompts);
-  }
-  QTemporaryDir dir;
-  std::unique_ptr<AppState> state = NewState();
-  ScriptedPrompts prompts;
 };
 
 TEST_F(RslTest, HeaderChannelsAndMarksComeFromTheirOffsets) {

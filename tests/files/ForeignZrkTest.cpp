@@ -3,7 +3,6 @@
 #include "ForeignFileBytes.h"
 
 #include <QLocale>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -15,8 +14,6 @@ namespace aqx {
 namespace {
 
 using testing::FileBytes;
-using testing::NewState;
-using testing::WriteBytes;
 
 // Windows-1251 bytes written out: "Саяно ГЭС", "Выбег", "ТП ВБ".
 const QByteArray kStation("\xD1\xE0\xFF\xED\xEE \xC3\xDD\xD1");
@@ -76,8 +73,9 @@ void PutBlock(FileBytes& f, qsizetype at, int channel, int type, float ku, float
   f.putRaw(at + kBlockHead, samples);
 }
 
-class ZrkTest : public ::testing::Test {
+class ZrkTest : public testing::ForeignFileTest<ReadFileZRK> {
  protected:
+  ZrkTest() : ForeignFileTest("rec.zrk") {}
   void SetUp() override {
     QLocale::setDefault(QLocale::c());
     // What a recording before this one leaves behind.
@@ -87,14 +85,6 @@ class ZrkTest : public ::testing::Test {
     state->object.Station = QStringLiteral("before");
     state->SignalDataN = 4096;
   }
-  bool open(const QByteArray& bytes) {
-    state->PathFileData = dir.filePath(QStringLiteral("rec.zrk"));
-    EXPECT_TRUE(WriteBytes(state->PathFileData, bytes));
-    return ReadFileZRK(*state, prompts);
-  }
-  QTemporaryDir dir;
-  std::unique_ptr<AppState> state = NewState();
-  ScriptedPrompts prompts;
 };
 
 TEST_F(ZrkTest, HeaderChannelsAndSamplesComeFromTheirOffsets) {
