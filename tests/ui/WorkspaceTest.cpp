@@ -22,24 +22,6 @@ std::unique_ptr<AppState> FreshState() {
   return s;
 }
 
-TEST(Workspace, CaptionNamesProgramVersionAndPurpose) {
-  EXPECT_EQ(ui::UpdateRecordTitle(),
-            QStringLiteral("Aquilonix v%1.%2 (Комплекс наблюдения за гидроагрегатом)").arg(AQX_VERSION_MAJOR).arg(AQX_VERSION_MINOR));
-}
-
-TEST(Workspace, ViewStylesOpenTheirWindowsInOrder) {
-  EXPECT_EQ(ui::ViewStyleDefinition(0).windows, std::vector<int>{frmViewSignal});
-  EXPECT_EQ(ui::ViewStyleDefinition(1).windows, (std::vector<int>{frmViewSpectr, frmViewSignal}));
-  EXPECT_EQ(ui::ViewStyleDefinition(1).arrangement, ui::Arrangement::TileAcross);
-  EXPECT_EQ(ui::ViewStyleDefinition(3).windows.back(), frmViewTraectoria);
-  EXPECT_EQ(ui::ViewStyleDefinition(5).arrangement, ui::Arrangement::TileSideBySide);
-  EXPECT_EQ(ui::ViewStyleDefinition(6).windows, (std::vector<int>{frmViewSignal, frmViewFormaRotor}));
-  EXPECT_EQ(ui::ViewStyleDefinition(7).windows, std::vector<int>{ui::kParametersWindow});
-  EXPECT_EQ(ui::ViewStyleDefinition(2).caption, QStringLiteral("Сигнал + Спектр + Каскад спектров"));
-  EXPECT_TRUE(ui::ViewStyleDefinition(8).windows.empty());
-  EXPECT_TRUE(ui::ViewStyleDefinition(-1).windows.empty());
-}
-
 TEST(Workspace, TilesCoverTheAreaWithoutGaps) {
   const auto across = ui::TileAcross(800, 601, 3);
   ASSERT_EQ(across.size(), 3u);
