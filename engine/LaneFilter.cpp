@@ -148,6 +148,8 @@ void FilterLanesZeroPhase(const LaneCascade& c, const double* record, size_t cou
   if (count == 0) return;
   size_t slots = 0;
   for (const TrackedRun& run : runs) slots = std::max(slots, run.slot + 1);
+  std::fill_n(least, slots * kLaneCount, std::numeric_limits<double>::infinity());
+  std::fill_n(largest, slots * kLaneCount, -std::numeric_limits<double>::infinity());
   Sections base;
   Load(c, base);
   auto settled = [&](const std::array<double, kLaneCount>& first) {
@@ -166,10 +168,7 @@ void FilterLanesZeroPhase(const LaneCascade& c, const double* record, size_t cou
     Sections s = settled(Broadcast(record[0]));
     ForwardPass(s, record, count, forward);
     s = settled(StoredAt(forward, count - 1));
-    Extremes found(slots);
-    BackwardPass(s, forward, runs.data(), runs.size(), found.least.data(), found.largest.data());
-    std::copy(found.least.begin(), found.least.end(), least);
-    std::copy(found.largest.begin(), found.largest.end(), largest);
+    BackwardPass(s, forward, runs.data(), runs.size(), least, largest);
     return;
   }
 
@@ -179,7 +178,6 @@ void FilterLanesZeroPhase(const LaneCascade& c, const double* record, size_t cou
   const std::vector<TrackedRun> upper = Clipped(runs, half, count);
   const std::vector<TrackedRun> lower = Clipped(runs, 0, half);
   Extremes upperFound(slots);
-  Extremes lowerFound(slots);
   Extremes warming(1);
   RunBoth(
       [&] {
@@ -202,11 +200,11 @@ void FilterLanesZeroPhase(const LaneCascade& c, const double* record, size_t cou
         Sections s = settled(StoredAt(forward, start - 1));
         const TrackedRun warmRun{half, start, 0};
         BackwardPass(s, forward, &warmRun, 1, warming.least.data(), warming.largest.data());
-        BackwardPass(s, forward, lower.data(), lower.size(), lowerFound.least.data(), lowerFound.largest.data());
+        BackwardPass(s, forward, lower.data(), lower.size(), least, largest);
       });
   for (size_t i = 0; i < slots * kLaneCount; ++i) {
-    least[i] = std::min(upperFound.least[i], lowerFound.least[i]);
-    largest[i] = std::max(upperFound.largest[i], lowerFound.largest[i]);
+    least[i] = std::min(least[i], upperFound.least[i]);
+    largest[i] = std::max(largest[i], upperFound.largest[i]);
   }
 }
 
