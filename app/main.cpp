@@ -39,6 +39,7 @@ int main(int argc, char** argv) {
   aqx::IniSettingsStore store(aqx::DefaultSettingsPath());
   aqx::ui::QtPrompts prompts;
   store.setFailureReporter(&prompts);
+  store.reportReadProblem();
   aqx::Vocabulary vocabulary;
   const aqx::FileReaderTable readers = aqx::StandardFileReaders();
   std::unique_ptr<aqx::ui::MainWindow> mainWindow;

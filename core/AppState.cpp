@@ -68,14 +68,20 @@ int FirstUsedChannel(const AppState& s) {
   return 0;
 }
 
+double ChannelRateHz(const AppState& s) {
+  if (s.SolidMode && s.ChannelUsedCount > 0 && s.FreqADC > 0)
+    return static_cast<double>(s.FreqADC) / s.ChannelUsedCount / std::max(s.SolidBlockM, 1);
+  return std::max(s.FreqDesc, 0);
+}
+
 void ApplyBlockRule(AppState& s) {
   const int n = s.SignalDataN;
   if (s.BlockSizeFFT == 0 || n <= 0) return;
   if (s.BlockSizeFFT < n) {
-    s.StepDesc = static_cast<double>(s.FreqDesc) / s.BlockSizeFFT;
+    s.StepDesc = ChannelRateHz(s) / s.BlockSizeFFT;
     s.SpectrLineCount = RoundHalfEven(s.BlockSizeFFT / 2.0);
   } else {
-    s.StepDesc = static_cast<double>(s.FreqDesc) / n;
+    s.StepDesc = ChannelRateHz(s) / n;
     s.SpectrLineCount = RoundHalfEven(n / 2.0);
   }
 }
@@ -167,6 +173,15 @@ double CodeToValue(const AppState& s, int c, double code) {
   const double gainZero = std::pow(4.0, s.channels.Volume[c]) * s.channels.Zero[c];
   const double mv = (code - offset) * 1.25 - gainZero;
   return ku != 0.0 ? mv / ku : 0.0;
+}
+
+bool IsModuleRate(int32_t freqADC) { return freqADC >= kMinFreqADC && freqADC <= kMaxFreqADC; }
+
+QString ModuleRateRefusal(int32_t freqADC) {
+  return QStringLiteral("Недопустимая частота АЦП: %1 Гц.\nМодуль работает на частотах от %2 до %3 Гц.")
+      .arg(freqADC)
+      .arg(kMinFreqADC)
+      .arg(kMaxFreqADC);
 }
 
 }  // namespace aqx

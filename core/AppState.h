@@ -21,6 +21,10 @@ inline constexpr int kFilterEntries = 4;
 inline constexpr int kRemarkCount = 28;
 inline constexpr int kMaxMarkers = 100;
 inline constexpr int kMaxShaftMarks = 10001;
+// The module's total conversion rate, Hz: its 8 MHz clock over the largest
+// and the smallest divider.
+inline constexpr int32_t kMinFreqADC = 122;
+inline constexpr int32_t kMaxFreqADC = 100000;
 
 // 32 per-channel values addressed by channel number 1..32, as the user counts
 // them; data() hands the engine the element of channel 1.
@@ -112,11 +116,9 @@ struct Markers {
   std::array<int32_t, kMaxMarkers> MarkerShift{};
 };
 
-struct AppState {
-  AppState();
-  AppState(const AppState&) = delete;
-  AppState& operator=(const AppState&) = delete;
-
+// Everything of the shared state but the sample store: plain values that a
+// command can copy aside and put back when what it started fails.
+struct StateValues {
   // Version of the recording in memory (of the file it came from, or of the
   // program after a save).
   int32_t FileVersionMajor = AQX_VERSION_MAJOR;
@@ -164,8 +166,7 @@ struct AppState {
   QString PathFileData;
   bool DataSaved = true;
 
-  // Sample store and the sample window the views work on.
-  SampleStore SignalData;
+  // The sample window the views work on (the samples are AppState's).
   int32_t SignalDataN = 32768;
   int32_t ChannelUsedCount = 0;
   int32_t ViewFirst = 1;
@@ -205,6 +206,14 @@ struct AppState {
   // --- end of settings-backed options
 };
 
+struct AppState : StateValues {
+  AppState();
+  AppState(const AppState&) = delete;
+  AppState& operator=(const AppState&) = delete;
+
+  SampleStore SignalData;
+};
+
 // Per-channel defaults of a fresh program (channel table of the settings).
 void ResetChannelDefaults(ChannelSetup& channels);
 
@@ -222,6 +231,12 @@ int FirstUsedChannel(const AppState& s);
 // Block rule: after SignalDataN or FreqDesc change, StepDesc and
 // SpectrLineCount follow BlockSizeFFT (0 leaves them alone).
 void ApplyBlockRule(AppState& s);
+
+// Samples per second of one channel as time and frequency are counted:
+// FreqDesc, except in a continuous recording, whose FreqDesc is rounded to
+// whole hertz and falls to 0 at coarse block scales; there the module's rate
+// over the used channels and the scale, exactly. 0 when nothing is known.
+double ChannelRateHz(const AppState& s);
 // Rotor parameters in their derivation order: FreqRotorN, FreqOneGarmonic,
 // FreqDescR, then the block rule.
 void DeriveRotorParameters(AppState& s);
@@ -232,6 +247,11 @@ void ClearApplicationData(AppState& s);
 // Sets UnitName and UnitDivisor for a level in display units of the type of
 // FirstChannelActive.
 void SetChannelUnit(AppState& s, double value);
+
+// A total conversion rate the module can run at, and what the user is told
+// about one it cannot.
+bool IsModuleRate(int32_t freqADC);
+QString ModuleRateRefusal(int32_t freqADC);
 
 // Physical reading of code k on channel c, in the channel's base unit.
 double CodeToValue(const AppState& s, int channel, double code);

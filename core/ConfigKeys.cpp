@@ -32,7 +32,7 @@ const SettingKey kScalarKeys[] = {
     {kSectionConfig, "TimeRefresh", "0.25", [](AppState& s) -> F { return &s.options.config.TimeRefresh; }},
     {kSectionConfig, "SolidMode", "0", [](AppState& s) -> F { return &s.SolidMode; }},
     {kSectionConfig, "SolidFileName", "Aquilonix", [](AppState& s) -> F { return &s.SolidFileName; }},
-    {kSectionConfig, "FreqADC", "32000", [](AppState& s) -> F { return &s.FreqADC; }},
+    {kSectionConfig, "FreqADC", "32000", [](AppState& s) -> F { return &s.FreqADC; }, kMinFreqADC, kMaxFreqADC},
     {kSectionConfig, "Clearance", "2500", [](AppState& s) -> F { return &s.Clearance; }},
     {kSectionConfig, "FirstChannelActive", "1", [](AppState& s) -> F { return &s.FirstChannelActive; }, 1, kMaxChannel},
     // Config: the view menu and the main window.
@@ -205,6 +205,16 @@ const SettingKey* FindSettingKey(const QString& section, const QString& key) {
   for (const SettingKey& k : kScalarKeys)
     if (section == QLatin1String(k.section) && key == QLatin1String(k.key)) return &k;
   return nullptr;
+}
+
+bool SettingTextAccepted(const QString& section, const QString& key, const QString& text,
+                         const QLocale& locale) {
+  const SettingKey* k = FindSettingKey(section, key);
+  const bool ranged = k && (k->minValue != std::numeric_limits<int32_t>::min() ||
+                            k->maxValue != std::numeric_limits<int32_t>::max());
+  if (!ranged) return true;
+  const auto v = ParseSettingInt(text, locale);
+  return v && *v >= k->minValue && *v <= k->maxValue;
 }
 
 QString DefaultSettingText(const char* defaultText, const QLocale& locale) {

@@ -66,6 +66,10 @@ std::span<const ChannelSettingKey> ChannelSettingKeys();
 
 // The scalar key of that section and name, or nullptr.
 const SettingKey* FindSettingKey(const QString& section, const QString& key);
+// False for text the load would refuse for a key with a range (an integer
+// outside it, or no integer); any text for other keys.
+bool SettingTextAccepted(const QString& section, const QString& key, const QString& text,
+                         const QLocale& locale);
 
 // The default in the form the store holds it: "83,3" with a decimal comma.
 QString DefaultSettingText(const char* defaultText, const QLocale& locale);

@@ -51,6 +51,8 @@ ConfigResult SaveNamedConfig(const SettingsStore& store, const QString& folder,
                              const QString& name, bool replace) {
   if (!IsValidConfigName(name)) return ConfigResult::InvalidName;
   if (!replace && Exists(folder, name)) return ConfigResult::Exists;
+  // A snapshot of settings read in part would pass for the whole.
+  if (store.readWasIncomplete()) return ConfigResult::Failed;
   // The new snapshot goes to a temporary and is renamed over the old one.
   return WriteSettingsFile(PathOf(folder, name), store.tree()) ? ConfigResult::Done
                                                                : ConfigResult::Failed;
@@ -60,7 +62,7 @@ ConfigResult RestoreNamedConfig(SettingsStore& store, const QString& folder, con
   if (!IsValidConfigName(name)) return ConfigResult::InvalidName;
   if (!Exists(folder, name)) return ConfigResult::NotFound;
   SettingsFileRead read = ReadSettingsFile(PathOf(folder, name));
-  if (!read.complete) return ConfigResult::Failed;
+  if (!read.complete || !read.wellFormed) return ConfigResult::Failed;
   return store.replaceAll(std::move(read.tree)) ? ConfigResult::Done : ConfigResult::Failed;
 }
 
@@ -73,7 +75,7 @@ ConfigResult RenameNamedConfig(const QString& folder, const QString& from, const
     if (!replace) return ConfigResult::Exists;
     // Through a full copy first, so that a failure loses neither file.
     const SettingsFileRead read = ReadSettingsFile(PathOf(folder, from));
-    if (!read.complete || !WriteSettingsFile(PathOf(folder, to), read.tree))
+    if (!read.complete || !read.wellFormed || !WriteSettingsFile(PathOf(folder, to), read.tree))
       return ConfigResult::Failed;
     QFile::remove(PathOf(folder, from));
     return ConfigResult::Done;

@@ -1,13 +1,13 @@
 #include "core/Settings.h"
 
+#include "core/IniText.h"
 #include "core/Numeric.h"
+#include "core/PlainFile.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSettings>
 #include <QStandardPaths>
-#include <QTemporaryFile>
 
 #include <array>
 #include <charconv>
@@ -104,9 +104,17 @@ bool SettingsStore::reportWrite(bool ok) {
     return true;
   }
   if (!failureTold_ && reporter_)
-    reporter_->tell(WriteFailureText(filePath()), QStringLiteral("Ошибка"), PromptIcon::Exclamation);
+    reporter_->tell(writeFailureText(), QStringLiteral("Ошибка"), PromptIcon::Exclamation);
   failureTold_ = true;
   return false;
+}
+
+QString SettingsStore::writeFailureText() const { return WriteFailureText(filePath()); }
+
+void SettingsStore::reportReadProblem() {
+  if (!readWasIncomplete() || failureTold_ || !reporter_) return;
+  reporter_->tell(writeFailureText(), QStringLiteral("Ошибка"), PromptIcon::Exclamation);
+  failureTold_ = true;
 }
 
 // ---------------------------------------------------------------------------
@@ -124,72 +132,53 @@ SettingsFileRead ReadSettingsFile(const QString& path) {
   const QFileInfo info(path);
   if (!info.exists()) return r;
   r.exists = true;
+  const auto fail = [&r](const QString& problem) {
+    r.complete = false;
+    r.problem = problem;
+    return r;
+  };
+  if (!info.isFile()) return fail(QStringLiteral("это не файл"));
+  if (info.size() > kMaxSettingsFileBytes)
+    return fail(QStringLiteral("файл слишком велик для файла настроек (%1 байт)").arg(info.size()));
   QFile file(path);
-  if (!info.isFile() || info.size() > kMaxSettingsFileBytes || !file.open(QIODevice::ReadOnly)) {
-    r.complete = false;
-    return r;
-  }
-  const QByteArray bytes = file.read(kMaxSettingsFileBytes);
-  file.close();
-  // Qt keeps parsed INI files in a process-wide cache keyed by name that it
-  // trusts while size and modification time (to the millisecond) are equal;
-  // parsing a private copy with a fresh name always sees the file as it is.
-  QTemporaryFile copy(QDir::tempPath() + QStringLiteral("/aquilonix-settings-XXXXXX.conf"));
-  if (!copy.open() || copy.write(bytes) != bytes.size() || !copy.flush()) {
-    r.complete = false;
-    return r;
-  }
-  QSettings ini(copy.fileName(), QSettings::IniFormat);
-  for (const QString& fullKey : ini.allKeys()) {
-    const qsizetype slash = fullKey.indexOf(QLatin1Char('/'));
-    const QString section = slash < 0 ? QStringLiteral("General") : fullKey.left(slash);
-    const QString key = slash < 0 ? fullKey : fullKey.mid(slash + 1);
-    if (section.isEmpty() || key.isEmpty()) continue;
-    const QVariant v = ini.value(fullKey);
-    // An unquoted comma makes a list ("83,3" edited by hand).
-    if (v.typeId() == QMetaType::QStringList)
-      r.tree[section][key] = v.toStringList().join(QLatin1Char(','));
-    else if (v.canConvert<QString>())
-      r.tree[section][key] = v.toString();
-  }
-  if (ini.status() != QSettings::NoError) r.complete = false;
+  if (!file.open(QIODevice::ReadOnly)) return fail(file.errorString());
+  const QByteArray bytes = file.read(kMaxSettingsFileBytes + 1);
+  if (file.error() != QFileDevice::NoError) return fail(file.errorString());
+  if (bytes.size() > kMaxSettingsFileBytes)
+    return fail(QStringLiteral("файл слишком велик для файла настроек (%1 байт)").arg(bytes.size()));
+  IniParse parsed = ParseIniText(bytes);
+  r.tree = std::move(parsed.tree);
+  r.wellFormed = parsed.wellFormed;
   return r;
 }
 
 bool WriteSettingsFile(const QString& path, const SettingsTree& tree) {
-  const QFileInfo info(path);
-  const QString folder = info.absolutePath();
-  if (!QDir().mkpath(folder)) return false;
-  // Hidden, so that a temporary left by a crash is never listed as a
-  // configuration.
-  QTemporaryFile temp(folder + QStringLiteral("/.") + info.fileName() + QStringLiteral(".XXXXXX"));
-  if (!temp.open()) return false;
-  temp.close();
-  {
-    QSettings ini(temp.fileName(), QSettings::IniFormat);
-    ini.clear();
-    for (const auto& [section, keys] : tree) {
-      ini.beginGroup(section);
-      for (const auto& [key, value] : keys) ini.setValue(key, value);
-      ini.endGroup();
-    }
-    ini.sync();
-    if (ini.status() != QSettings::NoError) return false;
-  }
-  std::error_code error;
-  std::filesystem::rename(temp.fileName().toStdString(), path.toStdString(), error);
-  if (error) return false;
-  temp.setAutoRemove(false);
-  return true;
+  if (!QDir().mkpath(QFileInfo(path).absolutePath())) return false;
+  const QByteArray text = IniTextOf(tree);
+  int error = 0;
+  return ReplaceFileContents(path, std::span(text.constData(), static_cast<size_t>(text.size())), error);
 }
 
 IniSettingsStore::IniSettingsStore(const QString& filePath)
     : IniSettingsStore(filePath, ReadSettingsFile(filePath)) {}
 
 IniSettingsStore::IniSettingsStore(const QString& filePath, SettingsFileRead read)
-    : SettingsStore(std::move(read.tree)), filePath_(filePath), readIncomplete_(!read.complete) {}
+    : SettingsStore(std::move(read.tree)), filePath_(filePath),
+      readProblem_(read.complete ? QString() : read.problem.isEmpty() ? QStringLiteral("?") : read.problem) {}
 
-bool IniSettingsStore::writeTree(const SettingsTree& tree) { return WriteSettingsFile(filePath_, tree); }
+bool IniSettingsStore::writeTree(const SettingsTree& tree) {
+  // Writing a tree read in part would replace the file by that part.
+  if (readWasIncomplete()) return false;
+  return WriteSettingsFile(filePath_, tree);
+}
+
+QString IniSettingsStore::writeFailureText() const {
+  if (!readWasIncomplete()) return SettingsStore::writeFailureText();
+  return QStringLiteral("Не удалось прочитать настройки программы из файла\n%1\n(%2).\n"
+                        "Чтобы они не были потеряны, программа не изменяет этот файл: "
+                        "изменения настроек не будут сохранены.")
+      .arg(QDir::toNativeSeparators(filePath_), readProblem_);
+}
 
 // ---------------------------------------------------------------------------
 // Values as text

@@ -47,6 +47,12 @@ class SettingsStore {
   bool flush();
   bool lastWriteFailed() const { return lastWriteFailed_; }
   void setFailureReporter(Prompts* prompts) { reporter_ = prompts; }
+  // The backing file existed but could not be read whole: the store then
+  // never writes it, so that what it could not read is not lost.
+  virtual bool readWasIncomplete() const { return false; }
+  // Tells the reporter once why the settings could not be read whole; a
+  // no-op when they were.
+  void reportReadProblem();
 
   // Numbers are written and read in this locale's form.
   const QLocale& locale() const { return locale_; }
@@ -74,6 +80,8 @@ class SettingsStore {
   explicit SettingsStore(SettingsTree initial = {});
   // Writes the whole tree to the backing medium; false on failure.
   virtual bool writeTree(const SettingsTree& tree) = 0;
+  // What the user is told when a write fails.
+  virtual QString writeFailureText() const;
 
  private:
   void changed();
@@ -106,33 +114,37 @@ class MemorySettingsStore : public SettingsStore {
 struct SettingsFileRead {
   SettingsTree tree;
   bool exists = false;
-  bool complete = true;  // false when the file was unreadable or malformed
+  bool complete = true;  // false when the file could not be read
+  bool wellFormed = true;  // false when some of it made no sense (see ParseIniText)
+  QString problem;       // why not, for the user
 };
 
-// The tree in an INI file (the form QSettings writes). A file that is
-// garbled or truncated gives whatever could be read from it; it is replaced
-// whole at the next write.
+// The tree in an INI file (the form QSettings writes). Garbled lines are
+// passed over and dropped at the next write; a file that cannot be read at
+// all (no permission, an I/O error, not a file, far too large) is never
+// written, and every change then fails with a message.
 class IniSettingsStore : public SettingsStore {
  public:
   explicit IniSettingsStore(const QString& filePath);
   QString filePath() const override { return filePath_; }
-  // The file existed but could not be read completely.
-  bool readWasIncomplete() const { return readIncomplete_; }
+  bool readWasIncomplete() const override { return !readProblem_.isEmpty(); }
 
  protected:
   bool writeTree(const SettingsTree& tree) override;
+  QString writeFailureText() const override;
 
  private:
   IniSettingsStore(const QString& filePath, SettingsFileRead read);
 
   QString filePath_;
-  bool readIncomplete_ = false;
+  QString readProblem_;
 };
 
 // ~/.config/Aquilonix/Aquilonix.conf (or under $XDG_CONFIG_HOME).
 QString DefaultSettingsPath();
 
-// Reads an INI settings file. Never fails: a missing file is an empty tree.
+// Reads an INI settings file from its bytes, with no copy on disk. A missing
+// file is an empty tree; an unreadable one is marked incomplete.
 SettingsFileRead ReadSettingsFile(const QString& path);
 // Writes the tree to a temporary file beside path and renames it over path,
 // creating the folder when missing. False when anything failed; path is then

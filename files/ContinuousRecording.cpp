@@ -17,6 +17,10 @@
 namespace aqx {
 
 bool StartContinuousRecording(AppState& s, Prompts& p, const QString& path, bool clearData) {
+  if (!IsModuleRate(s.FreqADC)) {
+    p.message(ModuleRateRefusal(s.FreqADC), QStringLiteral("Ошибка"), PromptButtons::Ok, PromptIcon::Critical);
+    return false;
+  }
   const int used = RecountChannelUsedCount(s);
   ExportVirtualUnit(s);
   s.SolidMode = true;
@@ -63,10 +67,13 @@ bool PollContinuousRecording(AppState& s) {
 }
 
 bool StopContinuousRecording(AppState& s, Prompts& p) {
-  TellStopFailure(p, StopRDTF());
+  const int32_t stopped = StopRDTF();
+  // A thread that failed (a full disk) has still left whole rows behind.
+  if (stopped != 0) ShowEngineError(p, stopped);
   s.FreqDesc = s.FreqDescR;
   // The module's tag belongs in the header; the rows behind it stay.
-  return WriteFileHeader(s, s.PathFileData, p);
+  const bool headerWritten = WriteFileHeader(s, s.PathFileData, p);
+  return stopped == 0 && headerWritten;
 }
 
 void TellStopFailure(Prompts& p, int32_t result) {

@@ -20,8 +20,9 @@ bool StartContinuousRecording(AppState& s, Prompts& p, const QString& path, bool
 // once the recording has ended by itself.
 bool PollContinuousRecording(AppState& s);
 
-// Ends the recording, tells a failure to stop by its number, and writes the
-// header again with what the run learnt. False when the header cannot be
+// Ends the recording, tells a failure of the recording thread with its text,
+// and writes the header again with what the run learnt, so that the file
+// opens either way. False when the thread failed or the header cannot be
 // written (told already).
 bool StopContinuousRecording(AppState& s, Prompts& p);
 

@@ -178,16 +178,15 @@ void CommitHeader(const ParsedDataFile& f, AppState& s) {
 }
 
 // The sample area, channel after channel in the file, into the sample-major
-// store, one block of samples of all channels at a time.
-bool ReadSamples(PlainFile& file, const ParsedDataFile& f, AppState& s, Prompts& p) {
+// store, one block of samples of all channels at a time. With no store the
+// area is only read through: a read error then leaves the store as it was.
+bool ReadSamples(PlainFile& file, const ParsedDataFile& f, int keep, int16_t* store, Prompts& p) {
   const size_t used = f.usedChannels.size();
   if (used == 0) return true;
-  const int keep = s.SignalDataN;
   const int64_t areaStart = f.headerBytes - 1;
   std::vector<int16_t> block(used * kSamplesPerBlock);
   std::vector<size_t> column(used);
   for (size_t k = 0; k < used; ++k) column[k] = static_cast<size_t>(f.usedChannels[k] - 1);
-  int16_t* store = s.SignalData.data();
   for (int first = 0; first < keep; first += kSamplesPerBlock) {
     const int count = std::min(kSamplesPerBlock, keep - first);
     for (size_t k = 0; k < used; ++k) {
@@ -201,6 +200,7 @@ bool ReadSamples(PlainFile& file, const ParsedDataFile& f, AppState& s, Prompts&
         return false;
       }
     }
+    if (!store) continue;
     if constexpr (std::endian::native == std::endian::big)
       for (int16_t& v : block) {
         const auto u = static_cast<uint16_t>(v);
@@ -232,18 +232,32 @@ bool ReadDataFile(AppState& s, Prompts& p) {
   std::optional<ParsedDataFile> parsed = ParseDataFile(file, s, p, std::nullopt, true);
   if (!parsed) return false;
   const ParsedDataFile& f = *parsed;
+  const auto keep = static_cast<int>(
+      std::clamp<int64_t>(f.fileSamplesPerChannel, 1, static_cast<int64_t>(kMaxSamples)));
+  // Every byte of the samples is read once before the store is touched (the
+  // second pass then comes from the page cache), so that a read error
+  // leaves the previous recording whole without a second 64 MiB store.
+  if (!f.header.SolidMode && !ReadSamples(file, f, keep, nullptr, p)) return false;
 
+  // The block of a continuous file is read after the header is in; a
+  // failure there puts the previous values back.
+  const StateValues previous = s;
   CommitHeader(f, s);
   if (s.SolidMode) {
     file.close();
-    if (!OpenSolidFileBlocks(s, static_cast<int>(f.headerBytes), p)) return false;
+    if (!OpenSolidFileBlocks(s, static_cast<int>(f.headerBytes), p)) {
+      static_cast<StateValues&>(s) = previous;
+      return false;
+    }
   } else {
-    s.SignalDataN = static_cast<int32_t>(
-        std::clamp<int64_t>(f.fileSamplesPerChannel, 1, static_cast<int64_t>(kMaxSamples)));
+    s.SignalDataN = keep;
     s.ViewFirst = 1;
     s.ViewLast = s.SignalDataN;
     ApplyBlockRule(s);
-    if (!ReadSamples(file, f, s, p)) return false;
+    if (!ReadSamples(file, f, keep, s.SignalData.data(), p)) {
+      static_cast<StateValues&>(s) = previous;
+      return false;
+    }
   }
   TellRepaired(f, p);
   if (s.ReminderConvertFile && (f.header.FileVersionMajor != AQX_VERSION_MAJOR ||

@@ -141,6 +141,7 @@ QStringList RepairHeader(FileHeader& h, int channelCount) {
   repair(h.BlockSizeFFT, 0, kMaxSamples, kMaxSamples, QStringLiteral("размер блока спектра"));
   repair(h.BlockSizeFFTa, 0, kMaxSamples, kMaxSamples, QStringLiteral("размер блока спектра"));
   repair(h.BlockSizeFFTr, 0, kMaxSamples, kMaxSamples, QStringLiteral("размер блока спектра"));
+  repair(h.FreqADC, kMinFreqADC, kMaxFreqADC, 32000, QStringLiteral("частота АЦП"));
   repair(h.MarkerN, 0, kMaxMarkers, std::clamp(h.MarkerN, 0, kMaxMarkers),
          QStringLiteral("число маркеров"));
   return repaired;

@@ -111,18 +111,15 @@ bool WriteDataFile(AppState& s, Prompts& p) {
   const int64_t totalBytes = areaStart + 2 * static_cast<int64_t>(samples) * static_cast<int64_t>(used.size());
 
   PlainFile file;
-  if (!file.createTemporaryNextTo(target)) {
+  if (!file.createReplacementFor(target)) {
     TellSaveFailure(p, target, file.lastError(), targetExisted);
     return false;
   }
   const bool written = file.reserve(totalBytes) &&
                        file.writeAt(0, std::span(header.constData(), static_cast<size_t>(areaStart))) &&
-                       WriteSamples(file, s, used, samples, areaStart) && file.sync() && file.close();
-  int error = file.lastError();
-  if (!written || !RenameOver(file.path(), target, error)) {
-    file.close();
-    RemoveFile(file.path());
-    TellSaveFailure(p, target, error, targetExisted);
+                       WriteSamples(file, s, used, samples, areaStart) && file.commit();
+  if (!written) {
+    TellSaveFailure(p, target, file.lastError(), targetExisted);
     return false;
   }
   TakeProgramVersion(s);

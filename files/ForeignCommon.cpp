@@ -76,14 +76,29 @@ int PowerOfTwoAbove(int n, int cap) {
   return std::min(p, cap);
 }
 
-std::optional<QByteArray> ReadWholeFile(const QString& path, Prompts& prompts) {
-  QFile file(path);
-  if (!file.open(QIODevice::ReadOnly)) {
-    prompts.message(QStringLiteral("Не удалось открыть файл %1.").arg(QDir::toNativeSeparators(path)),
-                    kOpenTitle, PromptButtons::Ok, PromptIcon::Critical);
+bool OpenForeignFile(PlainFile& file, const QString& path, Prompts& prompts) {
+  if (file.openRead(path)) return true;
+  prompts.message(QStringLiteral("Не удалось открыть файл %1.").arg(QDir::toNativeSeparators(path)),
+                  kOpenTitle, PromptButtons::Ok, PromptIcon::Critical);
+  return false;
+}
+
+void TellUnreadable(Prompts& prompts, const PlainFile& file) {
+  prompts.message(QStringLiteral("Ошибка чтения файла %1: %2.")
+                      .arg(QDir::toNativeSeparators(file.path()), ReasonOfError(file.lastError(), false)),
+                  kOpenTitle, PromptButtons::Ok, PromptIcon::Critical);
+}
+
+std::optional<QByteArray> ReadFileStart(const QString& path, size_t maxBytes, Prompts& prompts) {
+  PlainFile file;
+  if (!OpenForeignFile(file, path, prompts)) return std::nullopt;
+  const int64_t size = file.size();
+  QByteArray bytes(static_cast<qsizetype>(std::clamp<int64_t>(size, 0, static_cast<int64_t>(maxBytes))), '\0');
+  if (size < 0 || !file.readAt(0, std::span(bytes.data(), static_cast<size_t>(bytes.size())))) {
+    TellUnreadable(prompts, file);
     return std::nullopt;
   }
-  return file.readAll();
+  return bytes;
 }
 
 void TellDamaged(Prompts& prompts, const QString& path, const QString& systemName,

@@ -5,6 +5,7 @@
 
 #include "core/AppState.h"
 #include "core/Prompts.h"
+#include "files/DataFileRules.h"
 #include "files/Layout.h"
 
 #include <QByteArray>
@@ -51,8 +52,13 @@ int16_t ByteSampleCode(uint8_t b, double scale, double ku);
 // 2^(Int(log2 n) + 1), at most `cap`.
 int PowerOfTwoAbove(int n, int cap);
 
-// The whole file, or nullopt after telling the user.
-std::optional<QByteArray> ReadWholeFile(const QString& path, Prompts& prompts);
+// Opens the file for reading, or tells the user why not.
+bool OpenForeignFile(PlainFile& file, const QString& path, Prompts& prompts);
+// The first `maxBytes` of the file (all of a shorter one), or nullopt after
+// telling the user. Bytes past what a reader can use are never read.
+std::optional<QByteArray> ReadFileStart(const QString& path, size_t maxBytes, Prompts& prompts);
+// A read that failed after the file was opened.
+void TellUnreadable(Prompts& prompts, const PlainFile& file);
 
 // What the user is told about a file that cannot be a recording of the
 // named system, or that ends before its header says it should.

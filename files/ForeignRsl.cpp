@@ -182,7 +182,10 @@ void DeriveRateFromMarks(const RslHeader& h, AppState& s) {
 
 bool ReadFileRSL(AppState& state, Prompts& prompts) {
   const QString path = state.PathFileData;
-  const auto bytes = foreign::ReadWholeFile(path, prompts);
+  // Seven blocks at most: nothing past them is read.
+  const size_t usefulBytes =
+      kFirstBlockAt + kMaxBlocks * (PlaceLayout(RslChannelBlockLayout()).recordBytes + kSamples);
+  const auto bytes = foreign::ReadFileStart(path, usefulBytes, prompts);
   if (!bytes) return false;
   const std::span<const char> data(bytes->constData(), static_cast<size_t>(bytes->size()));
   RslFile file;

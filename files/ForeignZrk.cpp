@@ -7,6 +7,7 @@
 #include "files/ForeignFiles.h"
 
 #include "core/Numeric.h"
+#include "files/DataFileRules.h"
 
 #include <cmath>
 #include <vector>
@@ -23,6 +24,7 @@ constexpr int kProbeGroups = 16;  // group 0 is not used; groups 1..15 are chann
 constexpr int kProbesPerGroup = 4;
 constexpr int kShaftMarkSlots = 201;
 constexpr int kShownRows = 32768;  // longer recordings are thinned to this
+constexpr size_t kPieceBytes = 1 << 20;
 
 struct ZrkHeader {
   uint8_t stationLength = 0;
@@ -122,13 +124,17 @@ struct ZrkFile {
   std::vector<ZrkChannelBlock> blocks;
 };
 
-enum class Verdict { Ok, Truncated, Damaged };
+enum class Verdict { Ok, Truncated, Damaged, Unreadable };
 
-// Reads and checks everything; nothing of the state is touched here.
-Verdict ParseZrk(std::span<const char> bytes, ZrkFile& file, QString& reason) {
-  if (bytes.size() < kHeaderBytes) return Verdict::Truncated;
+// Reads and checks the header and the channel blocks' heads; the samples
+// stay in the file. Nothing of the state is touched here.
+Verdict ParseZrk(PlainFile& in, ZrkFile& file, QString& reason) {
+  const int64_t size = in.size();
+  if (size < static_cast<int64_t>(kHeaderBytes)) return Verdict::Truncated;
+  std::vector<char> head(kHeaderBytes);
+  if (!in.readAt(0, head)) return Verdict::Unreadable;
   ZrkHeader& h = file.header;
-  ReadLayout(ZrkHeaderLayout(), bytes.first(kHeaderBytes), h);
+  ReadLayout(ZrkHeaderLayout(), std::span<const char>(head), h);
   if (h.signalDataN < 1) {
     reason = QStringLiteral("число отсчётов %1").arg(h.signalDataN);
     return Verdict::Damaged;
@@ -149,13 +155,16 @@ Verdict ParseZrk(std::span<const char> bytes, ZrkFile& file, QString& reason) {
 
   const Layout<ZrkChannelBlock> blockLayout = ZrkChannelBlockLayout();
   const size_t blockHeadBytes = PlaceLayout(blockLayout).recordBytes;
-  const auto samples = static_cast<size_t>(h.signalDataN);
-  size_t at = kFirstBlockAt;
+  const auto samples = static_cast<int64_t>(h.signalDataN);
+  std::vector<char> blockHead(blockHeadBytes);
+  auto at = static_cast<int64_t>(kFirstBlockAt);
   for (int i = 0; i < h.channelCount; ++i) {
-    if (bytes.size() - at < blockHeadBytes || bytes.size() - at - blockHeadBytes < samples)
+    if (size - at < static_cast<int64_t>(blockHeadBytes) ||
+        size - at - static_cast<int64_t>(blockHeadBytes) < samples)
       return Verdict::Truncated;
+    if (!in.readAt(at, blockHead)) return Verdict::Unreadable;
     ZrkChannelBlock b;
-    ReadLayout(blockLayout, bytes.subspan(at, blockHeadBytes), b);
+    ReadLayout(blockLayout, std::span<const char>(blockHead), b);
     if (b.channel < 1 || b.channel > kMaxChannels) {
       reason = QStringLiteral("номер канала %1").arg(b.channel);
       return Verdict::Damaged;
@@ -164,8 +173,8 @@ Verdict ParseZrk(std::span<const char> bytes, ZrkFile& file, QString& reason) {
       reason = QStringLiteral("тип датчика %1 канала %2").arg(b.type).arg(b.channel);
       return Verdict::Damaged;
     }
-    b.samplesAt = at + blockHeadBytes;
-    at = b.samplesAt + samples;
+    b.samplesAt = static_cast<size_t>(at) + blockHeadBytes;
+    at = static_cast<int64_t>(b.samplesAt) + samples;
     file.blocks.push_back(std::move(b));
   }
   return Verdict::Ok;
@@ -202,52 +211,71 @@ void TakeHeader(const ZrkHeader& h, AppState& s, bool takesProbeFreq) {
   s.FirstChannelActive = h.firstChannelActive;
 }
 
+double ChannelKu(const ZrkChannelBlock& b) { return b.type == 1 ? 1.0 : static_cast<double>(b.ku); }
+
 // Samples to rows: one to one up to 32768, else thinned by a position that
-// grows by 32768/N per sample.
-void TakeSamples(const ZrkChannelBlock& b, std::span<const char> bytes, int count, AppState& s) {
+// grows by 32768/N per sample. The file is read a piece at a time, so a long
+// recording costs time, not memory. False on a read error.
+bool StageSamples(const ZrkChannelBlock& b, PlainFile& in, int count, std::vector<int16_t>& rows) {
+  rows.assign(static_cast<size_t>(std::min(count, kShownRows)), 0);
+  const double ku = ChannelKu(b);
+  const double scale = b.scale;
+  const double step = count <= kShownRows ? 1.0 : static_cast<double>(kShownRows) / count;
+  double position = 1.0;
+  std::vector<char> piece(std::min<size_t>(static_cast<size_t>(count), kPieceBytes));
+  for (int first = 0; first < count;) {
+    const int n = std::min(count - first, static_cast<int>(piece.size()));
+    if (!in.readAt(static_cast<int64_t>(b.samplesAt) + first, std::span(piece.data(), static_cast<size_t>(n))))
+      return false;
+    for (int k = 0; k < n; ++k, position += step) {
+      const int row = count <= kShownRows ? first + k + 1 : std::clamp(RoundHalfEven(position), 1, kShownRows);
+      rows[static_cast<size_t>(row - 1)] =
+          foreign::ByteSampleCode(static_cast<uint8_t>(piece[static_cast<size_t>(k)]), scale, ku);
+    }
+    first += n;
+  }
+  return true;
+}
+
+void TakeChannel(const ZrkChannelBlock& b, const std::vector<int16_t>& rows, AppState& s) {
   const int c = b.channel;
-  const double ku = b.type == 1 ? 1.0 : static_cast<double>(b.ku);
   s.channels.Channel[c] = 1;
   s.channels.Type[c] = b.type;
-  s.channels.Ku[c] = static_cast<float>(ku);
+  s.channels.Ku[c] = static_cast<float>(ChannelKu(b));
   foreign::SplitChannelName(foreign::CountedText(b.name, b.nameLength), s.channels.Place[c],
                             s.channels.Direct[c]);
-  const auto* sample = reinterpret_cast<const uint8_t*>(bytes.data() + b.samplesAt);
-  const double scale = b.scale;
-  if (count <= kShownRows) {
-    for (int n = 1; n <= count; ++n)
-      s.SignalData.at(n, c) = foreign::ByteSampleCode(sample[n - 1], scale, ku);
-    return;
-  }
-  const double step = static_cast<double>(kShownRows) / count;
-  double position = 1.0;
-  for (int n = 0; n < count; ++n, position += step) {
-    const int row = std::clamp(RoundHalfEven(position), 1, kShownRows);
-    s.SignalData.at(row, c) = foreign::ByteSampleCode(sample[n], scale, ku);
-  }
+  for (size_t r = 0; r < rows.size(); ++r) s.SignalData.at(static_cast<int>(r + 1), c) = rows[r];
 }
 
 }  // namespace
 
 bool ReadFileZRK(AppState& state, Prompts& prompts) {
   const QString path = state.PathFileData;
-  const auto bytes = foreign::ReadWholeFile(path, prompts);
-  if (!bytes) return false;
-  const std::span<const char> data(bytes->constData(), static_cast<size_t>(bytes->size()));
+  PlainFile in;
+  if (!foreign::OpenForeignFile(in, path, prompts)) return false;
   ZrkFile file;
   QString reason;
-  switch (ParseZrk(data, file, reason)) {
+  switch (ParseZrk(in, file, reason)) {
     case Verdict::Truncated: foreign::TellTruncated(prompts, path, kSystem); return false;
     case Verdict::Damaged: foreign::TellDamaged(prompts, path, kSystem, reason); return false;
+    case Verdict::Unreadable: foreign::TellUnreadable(prompts, in); return false;
     case Verdict::Ok: break;
   }
-
-  foreign::ForeignLoad load(state);
   const ZrkHeader& h = file.header;
-  TakeHeader(h, state, load.takesProbeFreq());
   const int count = h.signalDataN;
   const int lastRow = std::min(count, kShownRows);
-  for (const ZrkChannelBlock& b : file.blocks) TakeSamples(b, data, count, state);
+  // Every sample is read before the state changes: a read error leaves the
+  // recording before as it was.
+  std::vector<std::vector<int16_t>> staged(file.blocks.size());
+  for (size_t i = 0; i < file.blocks.size(); ++i)
+    if (!StageSamples(file.blocks[i], in, count, staged[i])) {
+      foreign::TellUnreadable(prompts, in);
+      return false;
+    }
+
+  foreign::ForeignLoad load(state);
+  TakeHeader(h, state, load.takesProbeFreq());
+  for (size_t i = 0; i < file.blocks.size(); ++i) TakeChannel(file.blocks[i], staged[i], state);
 
   const int rows = foreign::PowerOfTwoAbove(count, kShownRows);
   // Rows behind the file's samples would show the recording before.

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <vector>
 
 namespace aqx {
 
@@ -71,12 +72,26 @@ bool OpenSolidFileBlocks(AppState& s, int headerBytes, Prompts& p) {
   s.SelectLast = 0;
   ApplyBlockRule(s);
   if (s.ChannelUsedCount <= 0) return true;
+  // The block is read aside: a read that fails half-way must not leave the
+  // previous recording's samples half overwritten.
+  const auto rows = static_cast<size_t>(std::clamp(s.SignalDataN, 0, kMaxSamples));
+  std::vector<int16_t> staged(rows * SampleStore::kColumns);
   const QByteArray path = QFile::encodeName(s.PathFileData);
   const int32_t result =
       ReadSolidBlock(s.SignalDataN, s.ChannelUsedCount, s.SolidDataStart, s.SolidBlockN, path.constData(),
-                     s.ChannelDifferential, s.channels.Channel.data(), s.SignalData.data(), s.SolidBlockM);
-  if (result != 0) ShowEngineError(p, result);
-  return result == 0;
+                     s.ChannelDifferential, s.channels.Channel.data(), staged.data(), s.SolidBlockM);
+  if (result != 0) {
+    ShowEngineError(p, result);
+    return false;
+  }
+  // Only the columns of the recorded channels move; the others stay as they were.
+  std::vector<size_t> columns;
+  for (int c = 1; c <= ChannelCount(s) && static_cast<int>(columns.size()) < s.ChannelUsedCount; ++c)
+    if (s.channels.Channel[c] == 1) columns.push_back(static_cast<size_t>(c - 1));
+  int16_t* store = s.SignalData.data();
+  for (size_t at = 0; at < rows * SampleStore::kColumns; at += SampleStore::kColumns)
+    for (const size_t column : columns) store[at + column] = staged[at + column];
+  return true;
 }
 
 int32_t SubReadSolidBlock(AppState& s, Prompts& p) {

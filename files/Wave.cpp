@@ -1,6 +1,7 @@
 #include "files/Wave.h"
 
 #include "core/Numeric.h"
+#include "files/DataFileRules.h"
 #include "files/Layout.h"
 
 #include <QDir>
@@ -9,6 +10,7 @@
 #include <QSaveFile>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -20,6 +22,8 @@ namespace {
 
 const QString kErrorTitle = QStringLiteral("Ошибка");
 const QString kUnknownFormat = QStringLiteral("Файл неизвестного формата.");
+// Frames read in one request at most.
+constexpr size_t kPieceBytes = 1 << 20;
 
 // The fixed 44-byte header of a plain PCM file. Other writers put more into
 // the format block and add chunks before the samples; the reader takes the
@@ -84,20 +88,21 @@ uint16_t LittleU16(std::span<const char> bytes, size_t at) {
 
 // Writers such as sox mark more than two channels (and more than 16 bits) as
 // "extensible" with a PCM sub-format; that is PCM all the same.
-bool IsPcm(const WaveHeader& h, std::span<const char> bytes) {
+bool IsPcm(const WaveHeader& h, const WaveSource& source) {
   if (h.format == kFormatPcm) return true;
   if (h.format != kFormatExtensible || h.fmtBytes < 40) return false;
   constexpr size_t subFormatAt = 20 + 24;
-  return LittleU16(bytes, subFormatAt) == kFormatPcm &&
-         std::memcmp(bytes.data() + subFormatAt + 2, kPcmSubFormatTail, sizeof kPcmSubFormatTail) == 0;
+  std::array<char, 2 + sizeof kPcmSubFormatTail> subFormat{};
+  return source.read(subFormatAt, subFormat) && LittleU16(subFormat, 0) == kFormatPcm &&
+         std::memcmp(subFormat.data() + 2, kPcmSubFormatTail, sizeof kPcmSubFormatTail) == 0;
 }
 
 // A chunk tag of four printable characters is a chunk that other programs
 // are entitled to add ("LIST", "PAD ", "fact", "JUNK"...); the reader steps
 // over it. Anything else means the walk has lost the structure.
-bool IsChunkTag(std::span<const char> bytes, size_t at) {
+bool IsChunkTag(std::span<const char> head) {
   for (size_t i = 0; i < 4; ++i) {
-    const auto ch = static_cast<unsigned char>(bytes[at + i]);
+    const auto ch = static_cast<unsigned char>(head[i]);
     if (ch < 0x20 || ch > 0x7E) return false;
   }
   return true;
@@ -119,6 +124,45 @@ bool SaveBytes(const QString& path, const QByteArray& bytes, Prompts& prompts, c
   prompts.message(QStringLiteral("Не удалось записать файл %1.").arg(QDir::toNativeSeparators(path)),
                   title, PromptButtons::Ok, PromptIcon::Critical);
   return false;
+}
+
+// Row k of the store takes file frame round((k - 1) * P / rows), the nearest
+// one. The index can pass 2^31 for a 4 GB file, so it is rounded in 64 bits
+// (nearbyint rounds half to even in the default mode). Frames close together
+// are read in pieces; frames far apart one by one, so a long file costs
+// neither memory nor a read of everything.
+bool StageFrames(PlainFile& file, const WaveContents& w, int rows, int used, std::vector<int16_t>& staged) {
+  staged.assign(static_cast<size_t>(rows) * static_cast<size_t>(used), 0);
+  const double step = static_cast<double>(w.frameCount) / rows;
+  const auto frameBytes = static_cast<size_t>(w.blockAlign);
+  const size_t lastFrame = w.frameCount - 1;
+  const auto frameOf = [&](int k) {
+    return std::min(static_cast<size_t>(std::nearbyint((k - 1) * step)), lastFrame);
+  };
+  const size_t framesPerPiece = std::max<size_t>(1, kPieceBytes / frameBytes);
+  std::vector<char> piece;
+  int16_t* to = staged.data();
+  for (int k = 1; k <= rows;) {
+    // Rows whose frames fall inside one piece from the first one's frame.
+    const size_t firstFrame = frameOf(k);
+    int last = k;
+    while (last < rows && frameOf(last + 1) - firstFrame < framesPerPiece) ++last;
+    const size_t spanFrames = frameOf(last) - firstFrame + 1;
+    piece.resize(spanFrames * frameBytes);
+    if (!file.readAt(static_cast<int64_t>(w.dataOffset + firstFrame * frameBytes), piece)) return false;
+    for (; k <= last; ++k) {
+      const char* frame = piece.data() + (frameOf(k) - firstFrame) * frameBytes;
+      for (int c = 1; c <= used; ++c) {
+        if (w.bitsPerSample == 16) {
+          const char* s = frame + (c - 1) * 2;
+          *to++ = static_cast<int16_t>(static_cast<uint8_t>(s[0]) | (static_cast<uint8_t>(s[1]) << 8));
+        } else {
+          *to++ = static_cast<uint8_t>(frame[c - 1]);
+        }
+      }
+    }
+  }
+  return true;
 }
 
 }  // namespace
@@ -175,13 +219,17 @@ bool WriteWaveChannel(const AppState& state, int channel, const QString& path,
                    title);
 }
 
-bool ParseWave(std::span<const char> bytes, WaveContents& contents, QString& refusal) {
+bool ParseWave(const WaveSource& source, WaveContents& contents, QString& refusal) {
   // A file shorter than the header reads as zeros beyond its end, so that
   // each check below refuses it with its own text.
-  char prefix[kWaveHeaderBytes] = {};
-  std::memcpy(prefix, bytes.data(), std::min(bytes.size(), kWaveHeaderBytes));
+  std::array<char, kWaveHeaderBytes> prefix{};
+  const auto prefixBytes = static_cast<size_t>(std::min<uint64_t>(source.size, kWaveHeaderBytes));
+  if (!source.read(0, std::span(prefix.data(), prefixBytes))) {
+    refusal = kUnknownFormat;
+    return false;
+  }
   WaveHeader h;
-  ReadLayout(WaveHeaderLayout(), std::span<const char>(prefix, kWaveHeaderBytes), h);
+  ReadLayout(WaveHeaderLayout(), std::span<const char>(prefix), h);
 
   if (h.riffTag != "RIFF") {
     refusal = QStringLiteral("Файл не RIFF формата.");
@@ -191,12 +239,12 @@ bool ParseWave(std::span<const char> bytes, WaveContents& contents, QString& ref
     refusal = QStringLiteral("Файл не WAVE формата.");
     return false;
   }
-  const size_t size = bytes.size();
+  const uint64_t size = source.size;
   if (h.fmtTag != "fmt " || h.fmtBytes < 16 || uint64_t{h.fmtBytes} + 20 > size) {
     refusal = kUnknownFormat;
     return false;
   }
-  if (!IsPcm(h, bytes)) {
+  if (!IsPcm(h, source)) {
     refusal = QStringLiteral("Файл не PCM формата.");
     return false;
   }
@@ -211,22 +259,23 @@ bool ParseWave(std::span<const char> bytes, WaveContents& contents, QString& ref
   }
 
   // Chunks are word-aligned: an odd size is followed by one pad byte.
-  size_t at = 20 + static_cast<size_t>(h.fmtBytes) + (h.fmtBytes & 1u);
+  uint64_t at = 20 + uint64_t{h.fmtBytes} + (h.fmtBytes & 1u);
+  std::array<char, 8> chunkHead{};
   for (;;) {
-    if (at > size || size - at < 8 || !IsChunkTag(bytes, at)) {
+    if (at > size || size - at < 8 || !source.read(at, chunkHead) || !IsChunkTag(chunkHead)) {
       refusal = kUnknownFormat;
       return false;
     }
-    const uint32_t chunkBytes = LittleU32(bytes, at + 4);
-    if (std::memcmp(bytes.data() + at, "data", 4) == 0) {
+    const uint32_t chunkBytes = LittleU32(chunkHead, 4);
+    if (std::memcmp(chunkHead.data(), "data", 4) == 0) {
       contents.dataOffset = at + 8;
       // Writers that stream (and never come back to the size) leave it too
       // large; what the file holds is what counts.
-      const size_t dataBytes = std::min<size_t>(chunkBytes, size - contents.dataOffset);
+      const uint64_t dataBytes = std::min<uint64_t>(chunkBytes, size - contents.dataOffset);
       contents.frameCount = dataBytes / h.blockAlign;
       break;
     }
-    at += 8 + static_cast<size_t>(chunkBytes) + (chunkBytes & 1u);
+    at += 8 + uint64_t{chunkBytes} + (chunkBytes & 1u);
   }
   if (contents.frameCount == 0) {
     refusal = QStringLiteral("Файл не содержит отсчётов.");
@@ -239,26 +288,58 @@ bool ParseWave(std::span<const char> bytes, WaveContents& contents, QString& ref
   return true;
 }
 
+bool ParseWave(std::span<const char> bytes, WaveContents& contents, QString& refusal) {
+  const WaveSource source{bytes.size(), [bytes](uint64_t at, std::span<char> out) {
+                            if (at > bytes.size() || bytes.size() - at < out.size()) return false;
+                            std::memcpy(out.data(), bytes.data() + at, out.size());
+                            return true;
+                          }};
+  return ParseWave(source, contents, refusal);
+}
+
 bool ReadFileWave(AppState& state, Prompts& prompts) {
-  QFile file(state.PathFileData);
-  if (!file.open(QIODevice::ReadOnly)) {
+  PlainFile file;
+  const auto tellUnreadable = [&] {
+    prompts.message(QStringLiteral("Не удалось прочитать файл %1: %2.")
+                        .arg(QDir::toNativeSeparators(state.PathFileData),
+                             ReasonOfError(file.lastError(), false)),
+                    kErrorTitle, PromptButtons::Ok, PromptIcon::Critical);
+  };
+  if (!file.openRead(state.PathFileData)) {
     prompts.message(QStringLiteral("Не удалось открыть файл %1.")
                         .arg(QDir::toNativeSeparators(state.PathFileData)),
                     kErrorTitle, PromptButtons::Ok, PromptIcon::Critical);
     return false;
   }
-  const QByteArray bytes = file.readAll();
-  file.close();
-
+  const int64_t fileBytes = file.size();
+  if (fileBytes < 0) {
+    tellUnreadable();
+    return false;
+  }
+  const WaveSource source{static_cast<uint64_t>(fileBytes), [&file](uint64_t at, std::span<char> out) {
+                            return file.readAt(static_cast<int64_t>(at), out);
+                          }};
   WaveContents w;
   QString refusal;
-  if (!ParseWave(std::span<const char>(bytes.constData(), static_cast<size_t>(bytes.size())), w,
-                 refusal)) {
+  if (!ParseWave(source, w, refusal)) {
+    if (file.lastError() != 0) {
+      tellUnreadable();
+      return false;
+    }
     prompts.message(refusal, kErrorTitle, PromptButtons::Ok, PromptIcon::Critical);
     return false;
   }
 
   const int rows = StoreLengthFor(w.frameCount);
+  const int used = std::min(w.channels, ChannelCount(state));
+  // Only the frames the store takes are read, into a buffer no larger than
+  // the store, before the state changes: a read error leaves it as it was.
+  std::vector<int16_t> staged;
+  if (!StageFrames(file, w, rows, used, staged)) {
+    tellUnreadable();
+    return false;
+  }
+  file.close();
   // 2^(Int(log2 P) + 1) passes the store from P = 1048576 on, but only a
   // longer file loses samples; that is what the warning is about.
   if (w.frameCount > static_cast<size_t>(kMaxSamples))
@@ -270,7 +351,6 @@ bool ReadFileWave(AppState& state, Prompts& prompts) {
     ch.Channel[c] = 0;
     ch.Active[c] = 0;
   }
-  const int used = std::min(w.channels, ChannelCount(state));
   for (int c = 1; c <= used; ++c) {
     ch.Channel[c] = 1;
     ch.Type[c] = 5;
@@ -286,27 +366,9 @@ bool ReadFileWave(AppState& state, Prompts& prompts) {
     ch.ChannelY[c] = 1000000;
     ch.ChannelYm[c] = -1;
   }
-
-  // Nearest sample: row k takes file sample round((k - 1) * P / rows). The
-  // index can pass 2^31 for a 4 GB file, so it is rounded in 64 bits
-  // (nearbyint rounds half to even in the default mode).
-  const double step = static_cast<double>(w.frameCount) / rows;
-  const char* data = bytes.constData() + w.dataOffset;
-  const size_t lastFrame = w.frameCount - 1;
-  for (int k = 1; k <= rows; ++k) {
-    const auto nearest = static_cast<size_t>(std::nearbyint((k - 1) * step));
-    const char* frame = data + std::min(nearest, lastFrame) * static_cast<size_t>(w.blockAlign);
-    for (int c = 1; c <= used; ++c) {
-      int16_t code;
-      if (w.bitsPerSample == 16) {
-        const char* s = frame + (c - 1) * 2;
-        code = static_cast<int16_t>(static_cast<uint8_t>(s[0]) | (static_cast<uint8_t>(s[1]) << 8));
-      } else {
-        code = static_cast<uint8_t>(frame[c - 1]);
-      }
-      state.SignalData.at(k, c) = code;
-    }
-  }
+  const int16_t* from = staged.data();
+  for (int k = 1; k <= rows; ++k)
+    for (int c = 1; c <= used; ++c) state.SignalData.at(k, c) = *from++;
 
   state.SignalDataN = rows;
   state.ViewFirst = 1;

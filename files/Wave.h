@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <span>
 
 namespace aqx {
@@ -42,8 +43,17 @@ struct WaveContents {
   size_t frameCount = 0;     // P: samples per channel
 };
 
-// Checks the header and finds the samples. On refusal returns false with the
-// user's text in `refusal` (title "Ошибка").
+// The bytes of a WAVE file as the parser asks for them: `read` fills the
+// span from the offset or returns false (past the end, or a read error).
+struct WaveSource {
+  uint64_t size = 0;
+  std::function<bool(uint64_t at, std::span<char> bytes)> read;
+};
+
+// Checks the header and finds the samples, reading only the header and the
+// chunk heads. On refusal returns false with the user's text in `refusal`
+// (title "Ошибка").
+bool ParseWave(const WaveSource& source, WaveContents& contents, QString& refusal);
 bool ParseWave(std::span<const char> bytes, WaveContents& contents, QString& refusal);
 
 // Reads PathFileData into the state. Nothing changes when the file is refused.

@@ -2,6 +2,7 @@
 // at single keys, on the user's settings or the file given with --settings.
 
 #include "core/Config.h"
+#include "core/ConfigKeys.h"
 #include "core/NamedConfigs.h"
 #include "tools/ToolCommand.h"
 #include "tools/ToolSettings.h"
@@ -72,6 +73,11 @@ int RunConfig(ToolContext& ctx) {
     return kExitOk;
   }
   if (verb == QLatin1String("set") && args.size() == 4) {
+    if (!SettingTextAccepted(args[1], args[2], args[3], store->locale())) {
+      Print(stderr, QStringLiteral("config: недопустимое значение %1 ключа %2 раздела %3\n")
+                        .arg(args[3], args[2], args[1]));
+      return kExitRefused;
+    }
     store->save(args[1], args[2], args[3]);
     return store->lastWriteFailed() ? kExitFailure : kExitOk;
   }

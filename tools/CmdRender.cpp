@@ -1,9 +1,12 @@
 // aquilonix-tool render signal FILE OUT.png [--width W --height H --channel C
-// --first A --last B]: draws the signal view of a recording without a window,
-// with the view code of the window program, and writes it as a PNG image.
+// --first A --last B --block N --scale M|min]: draws the signal view of a
+// recording without a window, with the view code of the window program, and
+// writes it as a PNG image. --block and --scale choose the block of a
+// continuous recording as the block commands of the main window do.
 
 #include "core/Numeric.h"
 #include "files/FileReaders.h"
+#include "files/SolidFile.h"
 #include "tools/ToolCommand.h"
 #include "views/Analysis.h"
 #include "views/parameters/ParameterSteps.h"
@@ -29,7 +32,8 @@ constexpr int kDefaultHeightPx = 600;
 constexpr int kMaxSidePx = 16384;
 
 const QStringList kValueOptions = {QStringLiteral("--width"), QStringLiteral("--height"), QStringLiteral("--channel"),
-                                   QStringLiteral("--first"), QStringLiteral("--last")};
+                                   QStringLiteral("--first"), QStringLiteral("--last"), QStringLiteral("--block"),
+                                   QStringLiteral("--scale")};
 
 // An integer option within bounds; nullopt (and a message) when it is given
 // but no such number.
@@ -103,6 +107,35 @@ bool SavePicture(const views::DrawList& picture, const QString& path) {
 #endif
 }
 
+// The block of a continuous recording asked for by --block and --scale ("min"
+// for the whole file in one block). False after a message.
+bool ChooseSolidBlock(ToolContext& ctx, AppState& s) {
+  const bool asked = ctx.args.contains(QStringLiteral("--block")) || ctx.args.contains(QStringLiteral("--scale"));
+  if (!asked) return true;
+  if (!s.SolidMode) {
+    Print(stderr, QStringLiteral("render: --block and --scale are for continuous recordings\n"));
+    return false;
+  }
+  const int minimal = MinimalBlockScale(s.SolidBlockCount);
+  const QString scaleText = OptionValue(ctx.args, QStringLiteral("--scale"));
+  if (scaleText == QStringLiteral("min")) {
+    ApplySolidBlockCommand(s, SolidBlockCommand::Min);
+  } else {
+    const auto scale = IntOption(ctx.args, QStringLiteral("--scale"), 1, 1, minimal);
+    if (!scale) return false;
+    if ((*scale & (*scale - 1)) != 0) {
+      Print(stderr, QStringLiteral("render: --scale takes a power of two, not %1\n").arg(*scale));
+      return false;
+    }
+    s.SolidBlockM = *scale;
+  }
+  const auto block = IntOption(ctx.args, QStringLiteral("--block"), 1, 1,
+                               std::max(1, ScaledBlockCount(s.SolidBlockCount, s.SolidBlockM)));
+  if (!block) return false;
+  s.SolidBlockN = *block;
+  return SubReadSolidBlock(s, *ctx.prompts) == 0;
+}
+
 }  // namespace
 
 bool CommandNeedsGui(const QString& name) { return name == QStringLiteral("render"); }
@@ -111,7 +144,7 @@ int RunRender(ToolContext& ctx) {
   const QStringList positionals = Positionals(ctx.args, kValueOptions);
   if (positionals.size() != 3 || positionals[0] != QStringLiteral("signal")) {
     Print(stderr, QStringLiteral("usage: aquilonix-tool render signal FILE OUT.png [--width W --height H "
-                                 "--channel C --first A --last B]\n"));
+                                 "--channel C --first A --last B --block N --scale M|min]\n"));
     return kExitRefused;
   }
   const QString input = positionals[1];
@@ -132,6 +165,7 @@ int RunRender(ToolContext& ctx) {
   s.BatchMode = true;
   if (!read(s, *ctx.prompts)) return kExitRefused;
   RecountChannelUsedCount(s);
+  if (!ChooseSolidBlock(ctx, s)) return kExitRefused;
 
   const auto first = IntOption(ctx.args, QStringLiteral("--first"), 1, 1, std::max(1, s.SignalDataN));
   const auto last = IntOption(ctx.args, QStringLiteral("--last"), s.SignalDataN, 1, std::max(1, s.SignalDataN));
@@ -175,6 +209,10 @@ int RunRender(ToolContext& ctx) {
                      .arg(s.ViewFirst)
                      .arg(s.ViewLast)
                      .arg(s.SignalDataN));
+  if (s.SolidMode) {
+    const SolidBlockControls block = SolidBlockControlState(s, false);
+    Print(ctx.out, QStringLiteral("block %1 at %2, %3 Hz\n").arg(block.blockText, block.scaleText).arg(ChannelRateHz(s)));
+  }
   Print(ctx.out, status[views::SignalPanel::Window] + status[views::SignalPanel::Scale] +
                      status[views::SignalPanel::Dimension] + QLatin1Char('\n'));
   if (shown != 0) {

@@ -9,6 +9,7 @@ QString ToolSettingsPath(const ToolContext& ctx) {
 std::unique_ptr<IniSettingsStore> OpenToolSettings(const ToolContext& ctx) {
   auto store = std::make_unique<IniSettingsStore>(ToolSettingsPath(ctx));
   store->setFailureReporter(ctx.prompts);
+  store->reportReadProblem();
   return store;
 }
 

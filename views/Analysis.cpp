@@ -22,6 +22,10 @@ void AccountChannelSpectrum(AppState& s, const SignalViewOptions& o, AnalysisRes
                     s.SignalData.data(), c, s.SignalOffset.data(), s.channels.Type.data(), o.StatusFilterConst ? 1 : 0,
                     s.BlockSizeFFT, &s.StepDesc, s.FreqDesc, &s.SpectrLineCount, &r.SpectrMax,
                     s.channels.Ku.data(), std::clamp(s.ShaftMarkCount, 0, kMaxShaftMarks), s.ShaftMarks.data(), flag);
+  // The engine takes whole hertz; a coarse block of a continuous recording
+  // runs at a fraction of one, and its lines are that much closer.
+  if (s.FreqDesc != ChannelRateHz(s) && ChannelRateHz(s) > 0.0)
+    s.StepDesc *= ChannelRateHz(s) / std::max(s.FreqDesc, 1);
   r.SpectrChannel = c;
 }
 

@@ -1,3 +1,4 @@
+#include "core/IniText.h"
 #include "core/Settings.h"
 
 #include "SettingsTestSupport.h"
@@ -90,10 +91,14 @@ TEST(IniSettings, EveryKindOfValueSurvivesARestart) {
       {QStringLiteral("Mode"), QStringLiteral("  пробелы по краям  ")},
       {QStringLiteral("Odd"), QStringLiteral("@at; semi = eq \"q\" \\ back")},
       {QStringLiteral("Empty"), QString()},
+      {QStringLiteral("Controls"), QStringLiteral("a\tb\nc\r\x01\x7f") + QChar(0) + QStringLiteral("z")},
+      {QStringLiteral("Lists"), QStringLiteral("1,2, 3;4")},
+      {QStringLiteral("Ключ с пробелом/и чертой %;=,[]"), QStringLiteral("@@")},
   };
   written[QStringLiteral("Recent")] = {{QStringLiteral("1"), QStringLiteral("/data/Запись 1.aqx")}};
   written[QStringLiteral("Aquilonix")] = {{QStringLiteral("Start"), QStringLiteral("3")}};
   written[QStringLiteral("General")] = {{QStringLiteral("x"), QStringLiteral("1")}};
+  written[QStringLiteral("Раздел [2]")] = {{QStringLiteral("y"), QStringLiteral("2")}};
   {
     IniSettingsStore store(path);
     SettingsStore::Batch batch(store);
@@ -128,6 +133,83 @@ TEST(IniSettings, GarbledOrTruncatedFilesOpenAndAreReplacedCleanly) {
     EXPECT_FALSE(reopened.readWasIncomplete());
     EXPECT_EQ(reopened.get(QStringLiteral("Config"), QStringLiteral("GoodRun")), QStringLiteral("0"));
   }
+}
+
+TEST(IniSettings, HandEditedLinesReadAsQSettingsReadsThem) {
+  const IniParse parsed = ParseIniText(
+      "; a remark\n# another\r\n[Config]\r\n"
+      "Polus = 60 ; sixty poles\n"
+      "FreqRotorN=83,3\n"
+      "Mode=\"Пуск; холостой ход\" ГА-1 \"А\"\n"
+      "Long=first \\\nsecond\n"
+      "Escapes=\\x41\\102\\q\\\"\n"
+      "Wide=\\x4a4b\n"
+      "Eq==3\n"
+      "Typed=@ByteArray(abc)\n"
+      "no equals sign here\n"
+      "Polus=72\n"
+      "  [ %U041A%U0430%U043D%U0430%U043B ]  \n"
+      "key%20with\\slash=v\n");
+  SettingsTree expected;
+  expected[QStringLiteral("Config")] = {
+      {QStringLiteral("Polus"), QStringLiteral("72")},
+      {QStringLiteral("FreqRotorN"), QStringLiteral("83,3")},
+      {QStringLiteral("Mode"), QStringLiteral("Пуск; холостой ходГА-1 А")},
+      {QStringLiteral("Long"), QStringLiteral("first second")},
+      {QStringLiteral("Escapes"), QStringLiteral("AB\"")},
+      {QStringLiteral("Wide"), QString(QChar(0x4a4b))},
+      {QStringLiteral("Eq"), QStringLiteral("=3")},
+      {QStringLiteral("Typed"), QStringLiteral("abc")},
+  };
+  expected[QStringLiteral("Канал")] = {{QStringLiteral("key with/slash"), QStringLiteral("v")}};
+  EXPECT_EQ(parsed.tree, expected);
+  EXPECT_TRUE(parsed.wellFormed);
+  EXPECT_FALSE(ParseIniText("[Config]\nPolus=60\n[Chan").wellFormed) << "a section name never closed";
+}
+
+// A full temporary folder once made the store start empty and then write
+// that emptiness over a good file.
+TEST(IniSettings, ReadingNeedsNoTemporaryFolder) {
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("Aquilonix.conf"));
+  QByteArray bytes("[Config]\n");
+  for (int k = 1; k <= 900; ++k) bytes += "Key" + QByteArray::number(k) + "=" + QByteArray::number(k) + "\n";
+  WriteBytes(path, bytes);
+  const QByteArray savedTmp = qgetenv("TMPDIR");
+  qputenv("TMPDIR", testing::UnwritableFolder(dir).toLocal8Bit());
+  {
+    IniSettingsStore store(path);
+    EXPECT_FALSE(store.readWasIncomplete());
+    store.save(QStringLiteral("Config"), QStringLiteral("Clearance"), QStringLiteral("2600"));
+    EXPECT_FALSE(store.lastWriteFailed());
+  }
+  qputenv("TMPDIR", savedTmp);
+  const SettingsFileRead reread = ReadSettingsFile(path);
+  EXPECT_EQ(reread.tree.at(QStringLiteral("Config")).size(), 901u);
+  EXPECT_EQ(reread.tree.at(QStringLiteral("Config")).at(QStringLiteral("Key900")), QStringLiteral("900"));
+}
+
+TEST(IniSettings, AFileThatCannotBeReadWholeIsNeverWrittenAndTheUserIsTold) {
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("Aquilonix.conf"));
+  WriteBytes(path, "[Config]\nPolus=60\n");
+  // Grown past anything a settings file can be, with a hole: still its bytes.
+  ASSERT_TRUE(QFile::resize(path, 17 * 1024 * 1024));
+  ScriptedPrompts prompts;
+  IniSettingsStore store(path);
+  store.setFailureReporter(&prompts);
+  store.reportReadProblem();
+  EXPECT_TRUE(store.readWasIncomplete());
+  ASSERT_EQ(prompts.messages().size(), 1u);
+  EXPECT_TRUE(prompts.lastMessage().contains(QStringLiteral("Не удалось прочитать настройки")));
+  store.save(QStringLiteral("Config"), QStringLiteral("Clearance"), QStringLiteral("2600"));
+  EXPECT_TRUE(store.lastWriteFailed());
+  SettingsTree other;
+  other[QStringLiteral("Config")][QStringLiteral("Polus")] = QStringLiteral("48");
+  EXPECT_FALSE(store.replaceAll(other));
+  EXPECT_EQ(prompts.messages().size(), 1u) << "told once";
+  EXPECT_EQ(QFileInfo(path).size(), 17 * 1024 * 1024);
+  EXPECT_TRUE(testing::ReadBytes(path).startsWith("[Config]\nPolus=60\n"));
 }
 
 TEST(IniSettings, AnUnwritableFolderIsToldOnceAndNothingBreaks) {

@@ -3,6 +3,7 @@
 #include "DataFileTestSupport.h"
 #include "files/DataFile.h"
 
+#include <QDateTime>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
@@ -10,6 +11,7 @@
 
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace aqx {
@@ -91,6 +93,46 @@ TEST_F(SaveCommand, FailedWriteLeavesTheOldFileAndSaysWhy) {
   EXPECT_EQ(told.title, QStringLiteral("Сохранение"));
   EXPECT_TRUE(told.text.startsWith(QStringLiteral("Не удалось сохранить файл"))) << told.text.toStdString();
   EXPECT_TRUE(told.text.endsWith(QStringLiteral("Прежний файл не изменён.")));
+}
+
+// A save killed part way once left "NAME.tmp-XXXXXXXX" beside the file.
+TEST_F(SaveCommand, ASaveKilledPartWayLeavesNothingBehind) {
+  testing::WriteFile(path("keep.aqx"), QByteArray("old contents"));
+  s.PathFileData = path("keep.aqx");
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    // The file size limit's signal kills the writer in the middle.
+    struct rlimit small {20000, 20000};
+    setrlimit(RLIMIT_FSIZE, &small);
+    std::signal(SIGXFSZ, SIG_DFL);
+    WriteDataFile(s, p);
+    _exit(0);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(WTERMSIG(status), SIGXFSZ);
+  EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("keep.aqx")});
+  EXPECT_EQ(testing::ReadFile(path("keep.aqx")), QByteArray("old contents"));
+}
+
+TEST_F(SaveCommand, StaleTemporariesOfTheTargetAreCleared) {
+  const QString stale = path("keep.aqx.tmp-0badcafe");
+  const QString fresh = path("keep.aqx.tmp-1badcafe");
+  const QString stranger = path("other.aqx.tmp-0badcafe");
+  for (const QString& f : {stale, fresh, stranger}) testing::WriteFile(f, QByteArray("left"));
+  for (const QString& f : {stale, stranger}) {
+    QFile file(f);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    file.setFileTime(QDateTime::currentDateTime().addSecs(-300), QFileDevice::FileModificationTime);
+  }
+  s.PathFileData = path("keep.aqx");
+  ASSERT_TRUE(WriteDataFile(s, p));
+  EXPECT_FALSE(QFileInfo::exists(stale));
+  EXPECT_TRUE(QFileInfo::exists(fresh)) << "another program may be writing it now";
+  EXPECT_TRUE(QFileInfo::exists(stranger)) << "another file's";
+  EXPECT_EQ(QFileInfo(path("keep.aqx")).size(), ExpectedSize());
 }
 
 TEST_F(SaveCommand, ReadOnlyFolderIsTold) {

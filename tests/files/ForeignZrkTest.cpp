@@ -1,6 +1,7 @@
 #include "files/ForeignFiles.h"
 
 #include "ForeignFileBytes.h"
+#include "PeakMemory.h"
 
 #include <QLocale>
 
@@ -207,6 +208,21 @@ TEST_F(ZrkTest, FortyThousandSamplesAreThinnedTo32768Rows) {
   EXPECT_EQ(s.SignalData.at(1, 32), 1000);
   EXPECT_EQ(s.SignalData.at(32768, 32), 1000);
   EXPECT_EQ(s.SignalData.at(40000, 32), -1);
+}
+
+// A recording of 300 million samples was once read whole into memory.
+TEST_F(ZrkTest, AHugeRecordingCostsTimeNotMemory) {
+  ZrkShape z;
+  z.samples = 300'000'000;
+  FileBytes f = ZrkHeader(z);
+  PutBlock(f, 1416, 1, 0, 1.0f, 1.25f, QByteArray());
+  state->PathFileData = dir.filePath(QStringLiteral("huge.zrk"));
+  ASSERT_TRUE(testing::WriteBytes(state->PathFileData, f.bytes));
+  ASSERT_TRUE(QFile::resize(state->PathFileData, 1416 + kBlockHead + z.samples));
+  const int64_t before = testing::PeakResidentBytes();
+  ASSERT_TRUE(ReadFileZRK(*state, prompts));
+  EXPECT_LT(testing::PeakResidentBytes() - before, 64 * testing::kMiB);
+  EXPECT_EQ(state->SignalDataN, 32768);
 }
 
 TEST_F(ZrkTest, ZeroOrNegativePolusIsDerivedFromTheRotorFrequency) {

@@ -210,3 +210,33 @@ TEST_F(SolidFileTest, AFailedReadIsToldByTheReporter) {
   EXPECT_EQ(prompts.messages()[0].text,
             QStringLiteral("Error #35\nНевозможно открыть файл для чтения данных!"));
 }
+
+// A continuous file refused at its block read once left its header in the
+// state: the unsaved recording then passed for saved and continuous.
+TEST(SolidFileRefusal, AFailedBlockReadLeavesTheUnsavedRecordingWhole) {
+  QTemporaryDir dir;
+  const QString solidPath = dir.filePath(QStringLiteral("непрерывная.aqx"));
+  ASSERT_TRUE(aqx::testing::WriteFile(solidPath, SolidFile(5000)));
+  for (const int failure : {33, 35, 36}) {
+    AppState s;
+    ScriptedPrompts prompts;
+    s.PathFileData = dir.filePath(QStringLiteral("прежняя.aqx"));
+    s.SignalDataN = 3000;
+    s.FreqDesc = 2000;
+    s.DataSaved = false;
+    for (int i = 1; i <= kMaxSamples; i += 997) s.SignalData.at(i, 2) = static_cast<int16_t>(i);
+    qputenv("AQX_VIRTUAL_FAIL", QByteArray::number(failure));
+    s.PathFileData = solidPath;
+    EXPECT_FALSE(ReadDataFile(s, prompts));
+    qunsetenv("AQX_VIRTUAL_FAIL");
+    EXPECT_FALSE(s.SolidMode) << failure;
+    EXPECT_FALSE(s.DataSaved) << failure;
+    EXPECT_EQ(s.SignalDataN, 3000) << failure;
+    EXPECT_EQ(s.FreqDesc, 2000) << failure;
+    EXPECT_EQ(s.Polus, AppState().Polus) << failure;
+    bool samplesKept = true;
+    for (int i = 1; i <= kMaxSamples; i += 997) samplesKept = samplesKept && s.SignalData.at(i, 2) == static_cast<int16_t>(i);
+    EXPECT_TRUE(samplesKept) << failure;
+    EXPECT_EQ(prompts.messages().size(), 1u) << failure;
+  }
+}

@@ -1,8 +1,10 @@
 #include "files/Wave.h"
 
 #include "ForeignFileBytes.h"
+#include "PeakMemory.h"
 
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -202,6 +204,23 @@ TEST_F(WaveTest, OnlyAFileLongerThanTheStoreIsTooLarge) {
   EXPECT_EQ(state->SignalDataN, store);
   // Row 1048576 takes frame round(1048575 * 1048577 / 1048576) = 1048576.
   EXPECT_EQ(state->SignalData.at(store, 1), 2);
+}
+
+// A 3 GiB file was once read whole into memory; only the frames the store
+// takes are read now.
+TEST_F(WaveTest, AHugeFileCostsTimeNotMemory) {
+  const QString huge = path("huge.wav");
+  const int64_t dataBytes = int64_t{3} << 30;
+  FileBytes header = PcmHeader(1, 44100, 16, 0);
+  header.put32(4, 0xFFFFFFFF).put32(40, 0xFFFFFFF0);  // as a streaming writer leaves it
+  ASSERT_TRUE(WriteBytes(huge, header.bytes));
+  ASSERT_TRUE(QFile::resize(huge, 44 + dataBytes));
+  const int64_t before = testing::PeakResidentBytes();
+  state->PathFileData = huge;
+  ASSERT_TRUE(ReadFileWave(*state, prompts));
+  EXPECT_LT(testing::PeakResidentBytes() - before, 64 * testing::kMiB);
+  EXPECT_EQ(state->SignalDataN, kMaxSamples);
+  EXPECT_EQ(prompts.lastMessage(), QStringLiteral("Файл слишком большой!"));
 }
 
 TEST_F(WaveTest, DifferentialConnectionTakesSixteenChannelsOfTwenty) {

@@ -1,6 +1,7 @@
 // demo and record of aquilonix-tool: runs of the virtual module written to
 // files that the program's reader opens.
 #include "engine/Aquilonix.h"
+#include "files/ContinuousRecording.h"
 #include "files/DataFile.h"
 #include "tools/ToolCommand.h"
 #include "tests/tools/ToolTestSupport.h"
@@ -9,10 +10,13 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <vector>
+
+#include <sys/resource.h>
 
 namespace aqx::tool {
 
@@ -101,6 +105,53 @@ TEST_F(AcquisitionTool, RefusalsAndAModuleFailure) {
   EXPECT_EQ(prompts.lastMessage(),
             QStringLiteral("Error #3\nНевозможно обнаружить модуль E14-140 в виртуальных слотах!\nOpenLDevice"));
   EXPECT_FALSE(QFile::exists(file));
+}
+
+// An impossible module rate once recorded 7 rows at 0 Hz and exited 0.
+TEST_F(AcquisitionTool, AnImpossibleModuleRateIsRefused) {
+  const QString file = dir.filePath(QStringLiteral("solid.aqx"));
+  const QString settings = dir.filePath(QStringLiteral("settings.ini"));
+  for (const char* rate : {"0", "100001"}) {
+    QFile ini(settings);
+    ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
+    ini.write(QByteArray("[Config]\nFreqADC=") + rate + "\n");
+    ini.close();
+    EXPECT_EQ(Run(RunRecord, {file, QStringLiteral("--mode"), QStringLiteral("solid"), QStringLiteral("--seconds"),
+                              QStringLiteral("1")},
+                  settings),
+              kExitOk)
+        << "the store refuses the value and keeps the default";
+    EXPECT_TRUE(QFile::remove(file));
+  }
+  ScriptedPrompts told;
+  auto s = std::make_unique<AppState>();
+  s->FreqADC = 0;
+  EXPECT_FALSE(StartContinuousRecording(*s, told, file, false));
+  EXPECT_TRUE(told.lastMessage().startsWith(QStringLiteral("Недопустимая частота АЦП: 0 Гц.")));
+  EXPECT_FALSE(QFile::exists(file));
+}
+
+// A full disk once printed "Error: 27" and exited 0.
+TEST_F(AcquisitionTool, AContinuousRecordingStoppedByAFullDiskFailsButItsFileOpens) {
+  const QString file = dir.filePath(QStringLiteral("full.aqx"));
+  const QString settings = dir.filePath(QStringLiteral("settings.ini"));
+  rlimit old{};
+  getrlimit(RLIMIT_FSIZE, &old);
+  const auto previous = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit small{200000, old.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  const int rc = Run(RunRecord, {file, QStringLiteral("--mode"), QStringLiteral("solid"), QStringLiteral("--seconds"),
+                                 QStringLiteral("3")},
+                     settings);
+  setrlimit(RLIMIT_FSIZE, &old);
+  std::signal(SIGXFSZ, previous);
+  EXPECT_EQ(rc, kExitFailure);
+  EXPECT_TRUE(prompts.lastMessage().contains(QStringLiteral("Ошибка выполнения потока сбора данных")))
+      << prompts.lastMessage().toStdString();
+  auto s = std::make_unique<AppState>();
+  s->PathFileData = file;
+  EXPECT_TRUE(ReadDataFile(*s, prompts));
+  EXPECT_TRUE(s->SolidMode);
 }
 
 }  // namespace aqx::tool

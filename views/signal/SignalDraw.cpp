@@ -65,7 +65,7 @@ bool SelectionDragInProgress(const SignalViewOptions& o, const SignalViewState& 
 
 void DrawTimeGrid(const AppState& s, const SignalViewOptions& o, const SignalViewState& v, const FontMetrics& fm,
                   double step, DrawList& list) {
-  const double freq = s.FreqDesc;
+  const double freq = ChannelRateHz(s);
   const double pps = v.PixelsPerSample;
   const double stepPx = freq * pps * step;
   if (stepPx <= 0.0) return;
@@ -94,7 +94,7 @@ void DrawUserMarkers(const AppState& s, const SignalViewState& v, const FontMetr
   for (int i = 0; i < count; ++i) {
     if (s.markers.MarkerOn[static_cast<size_t>(i)] == 0) continue;
     const double seconds = SecondsOfDay(s.markers.MarkerDate[static_cast<size_t>(i)]) - start;
-    const double x = (seconds * s.FreqDesc - s.ViewFirst - (s.SolidBlockN - 1.0) * s.SignalDataN) * v.PixelsPerSample;
+    const double x = (seconds * ChannelRateHz(s) - s.ViewFirst - (s.SolidBlockN - 1.0) * s.SignalDataN) * v.PixelsPerSample;
     if (x <= 0.0 || x >= v.W) continue;
     const BgrColor color = s.markers.MarkerColor[static_cast<size_t>(i)];
     const int xi = RoundHalfEven(x);
@@ -241,8 +241,8 @@ DrawList DrawSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v,
     list.add(Line{0, y, w, y, MakePen(o.colors.ColorLineY0Signal)});
   }
 
-  if (o.ScaleX && s.FreqDesc > 0) {
-    const double step = NiceTimeStep(w / (s.FreqDesc * v.PixelsPerSample));
+  if (o.ScaleX && ChannelRateHz(s) > 0.0) {
+    const double step = NiceTimeStep(w / (ChannelRateHz(s) * v.PixelsPerSample));
     // No step for more than ten hours in view: the picture ends here.
     if (step <= 0.0) return list;
     DrawTimeGrid(s, o, v, fm, step, list);

@@ -121,8 +121,8 @@ double ClockOffsetSeconds(const AppState& s, const SignalViewOptions& o) {
 }
 
 double SampleSeconds(const AppState& s, const SignalViewOptions& o, double sample) {
-  const double freq = s.FreqDesc > 0 ? s.FreqDesc : 1.0;
-  return sample / freq + ClockOffsetSeconds(s, o);
+  const double rate = ChannelRateHz(s);
+  return sample / (rate > 0.0 ? rate : 1.0) + ClockOffsetSeconds(s, o);
 }
 
 QString RotorSpeedText(const RotorSpeed& speed) {

@@ -309,8 +309,9 @@ SignalStatus OutInfoToStatusBar(AppState& s, const SignalViewOptions& o, const S
   st.selectionCommandsEnabled = selected;
   if (selected) {
     set(SignalPanel::Select, QStringLiteral("S: ") + time(s.SelectFirst) + QStringLiteral(" - ") + time(s.SelectLast) + QStringLiteral(" "));
-    const double freq = s.FreqDesc > 0 ? s.FreqDesc : 1.0;
-    set(SignalPanel::SelectLen, QStringLiteral("L: ") + TimeText((s.SelectLast - s.SelectFirst) / freq) + QStringLiteral(" "));
+    const double rate = ChannelRateHz(s);
+    set(SignalPanel::SelectLen, QStringLiteral("L: ") + TimeText((s.SelectLast - s.SelectFirst) / (rate > 0.0 ? rate : 1.0)) +
+                                    QStringLiteral(" "));
   } else {
     set(SignalPanel::Select, QStringLiteral("S: - "));
     set(SignalPanel::SelectLen, QStringLiteral("L: - "));

@@ -1,11 +1,10 @@
-// Plain file access for the data file: reads and writes at offsets, a
-// temporary file next to the target, and the rename that replaces the
-// target only once the new file is complete.
-#include "files/DataFileRules.h"
+#include "core/PlainFile.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -14,13 +13,51 @@
 
 namespace aqx {
 
+namespace {
+
+QByteArray Native(const QString& path) { return QFile::encodeName(path); }
+
+void SyncFolderOf(const QString& path) {
+  const int dir = ::open(Native(QFileInfo(path).absolutePath()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (dir < 0) return;
+  ::fsync(dir);
+  ::close(dir);
+}
+
+QString NamedTemporaryFor(const QString& target) {
+  return target + QStringLiteral(".tmp-%1").arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0'));
+}
+
+// Temporaries of this target that a process killed in the middle of a
+// replacement left behind; a minute old at least, so that another program
+// writing the same target right now keeps its own.
+void RemoveStaleTemporaries(const QString& target) {
+  const QFileInfo info(target);
+  const QRegularExpression own(QRegularExpression::anchoredPattern(
+      QRegularExpression::escape(info.fileName()) + QStringLiteral("\\.tmp-[0-9a-f]{8}")));
+  const QDateTime oldEnough = QDateTime::currentDateTimeUtc().addSecs(-60);
+  const QDir folder = info.absoluteDir();
+  for (const QFileInfo& f : folder.entryInfoList({info.fileName() + QStringLiteral(".tmp-*")}, QDir::Files | QDir::Hidden))
+    if (own.match(f.fileName()).hasMatch() && f.lastModified().toUTC() < oldEnough)
+      ::unlink(Native(f.absoluteFilePath()).constData());
+}
+
+}  // namespace
+
 PlainFile::~PlainFile() {
   if (fd_ >= 0) ::close(fd_);
+  discardTemporary();
+}
+
+void PlainFile::discardTemporary() {
+  if (!namedTemporary_.isEmpty()) ::unlink(Native(namedTemporary_).constData());
+  namedTemporary_.clear();
+  replacement_ = false;
 }
 
 bool PlainFile::openRead(const QString& path) {
   path_ = path;
-  fd_ = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+  fd_ = ::open(Native(path).constData(), O_RDONLY | O_CLOEXEC);
   if (fd_ < 0) {
     error_ = errno;
     return false;
@@ -37,21 +74,29 @@ bool PlainFile::openRead(const QString& path) {
 
 bool PlainFile::openWrite(const QString& path) {
   path_ = path;
-  fd_ = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CLOEXEC);
+  fd_ = ::open(Native(path).constData(), O_WRONLY | O_CLOEXEC);
   if (fd_ < 0) error_ = errno;
   return fd_ >= 0;
 }
 
-bool PlainFile::createTemporaryNextTo(const QString& target) {
-  // O_EXCL with a random suffix; the usual mode, so that the umask applies
-  // as for any new file.
+bool PlainFile::createReplacementFor(const QString& target) {
+  path_ = target;
+  replacement_ = true;
+  RemoveStaleTemporaries(target);
+  const QString folder = QFileInfo(target).absolutePath();
+  // Permissions as for any new file: the umask applies.
+  fd_ = ::open(Native(folder).constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+  if (fd_ >= 0) return true;
+  if (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL) {
+    error_ = errno;
+    return false;
+  }
   for (int attempt = 0; attempt < 16; ++attempt) {
-    path_ = target + QStringLiteral(".tmp-%1").arg(QRandomGenerator::global()->generate(), 8, 16,
-                                                   QLatin1Char('0'));
-    fd_ = ::open(QFile::encodeName(path_).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
-                 0666);
+    namedTemporary_ = NamedTemporaryFor(target);
+    fd_ = ::open(Native(namedTemporary_).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd_ >= 0) return true;
     error_ = errno;
+    namedTemporary_.clear();
     if (error_ != EEXIST) return false;
   }
   return false;
@@ -108,6 +153,30 @@ bool PlainFile::sync() {
   return false;
 }
 
+bool PlainFile::commit() {
+  if (!replacement_ || fd_ < 0 || !sync()) return false;
+  if (namedTemporary_.isEmpty()) {
+    // linkat cannot replace a name: the unnamed file gets a fresh name of
+    // its own first, which the rename then moves over the target.
+    const QString linked = NamedTemporaryFor(path_);
+    const QByteArray procPath = "/proc/self/fd/" + QByteArray::number(fd_);
+    if (::linkat(AT_FDCWD, procPath.constData(), AT_FDCWD, Native(linked).constData(), AT_SYMLINK_FOLLOW) != 0) {
+      error_ = errno;
+      return false;
+    }
+    namedTemporary_ = linked;
+  }
+  if (!close()) return false;
+  if (::rename(Native(namedTemporary_).constData(), Native(path_).constData()) != 0) {
+    error_ = errno;
+    return false;
+  }
+  namedTemporary_.clear();
+  replacement_ = false;
+  SyncFolderOf(path_);
+  return true;
+}
+
 bool PlainFile::close() {
   if (fd_ < 0) return true;
   const int result = ::close(fd_);
@@ -117,22 +186,14 @@ bool PlainFile::close() {
   return false;
 }
 
-bool RenameOver(const QString& temporary, const QString& target, int& error) {
-  if (::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(target).constData()) != 0) {
-    error = errno;
-    return false;
-  }
-  // The new directory entry must reach the disk too.
-  const QString folder = QFileInfo(target).absolutePath();
-  const int dir = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (dir >= 0) {
-    ::fsync(dir);
-    ::close(dir);
-  }
-  return true;
+bool ReplaceFileContents(const QString& path, std::span<const char> bytes, int& error) {
+  PlainFile file;
+  const bool done = file.createReplacementFor(path) && file.writeAt(0, bytes) && file.commit();
+  error = file.lastError();
+  return done;
 }
 
-bool RemoveFile(const QString& path) { return ::unlink(QFile::encodeName(path).constData()) == 0; }
+bool RemoveFile(const QString& path) { return ::unlink(Native(path).constData()) == 0; }
 
 QString ReasonOfError(int error, bool writing) {
   switch (error) {
