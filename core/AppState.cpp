@@ -1,5 +1,7 @@
 #include "core/AppState.h"
 
+#include "core/ChannelPhysics.h"
+
 #include "core/Numeric.h"
 #include "core/Vocabulary.h"
 
@@ -51,7 +53,7 @@ int RecountChannelUsedCount(AppState& s) {
 
 int FirstMarkerChannel(const AppState& s) {
   for (int c = 1; c <= ChannelCount(s); ++c)
-    if (s.channels.Type[c] == 3 && s.channels.Channel[c] == 1) return c;
+    if (s.channels.Type[c] == sensor::ShaftMarker && s.channels.Channel[c] == 1) return c;
   return 0;
 }
 
@@ -165,14 +167,6 @@ void SetChannelUnit(AppState& s, double value) {
   const int step = value < 5000 ? 0 : value < 50000 ? 1 : value < 5000000 ? 2 : 3;
   s.UnitName = QString::fromUtf8(row->names[step]);
   s.UnitDivisor = row->divisors[step];
-}
-
-double CodeToValue(const AppState& s, int c, double code) {
-  const double offset = s.AccountOffset ? s.SignalOffset[c] : 0.0;
-  const double ku = s.channels.Ku[c];
-  const double gainZero = std::pow(4.0, s.channels.Volume[c]) * s.channels.Zero[c];
-  const double mv = (code - offset) * 1.25 - gainZero;
-  return ku != 0.0 ? mv / ku : 0.0;
 }
 
 bool IsModuleRate(int32_t freqADC) { return freqADC >= kMinFreqADC && freqADC <= kMaxFreqADC; }

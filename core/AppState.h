@@ -253,7 +253,5 @@ void SetChannelUnit(AppState& s, double value);
 bool IsModuleRate(int32_t freqADC);
 QString ModuleRateRefusal(int32_t freqADC);
 
-// Physical reading of code k on channel c, in the channel's base unit.
-double CodeToValue(const AppState& s, int channel, double code);
 
 }  // namespace aqx

@@ -2,6 +2,7 @@
 // whole before the state is touched: a refused file leaves the previous
 // recording as it was.
 #include "core/Numeric.h"
+#include "core/ChannelPhysics.h"
 #include "files/DataFile.h"
 #include "files/DataFileRules.h"
 #include "files/SolidFile.h"
@@ -169,7 +170,7 @@ void CommitHeader(const ParsedDataFile& f, AppState& s) {
   s.SolidBlockM = 1;
   // A marker channel reads in plain codes, whatever the file holds.
   for (int c = 1; c <= f.channelCountBefore; ++c)
-    if (s.channels.Type[c] == 3) s.channels.Ku[c] = 1.25f;
+    if (s.channels.Type[c] == sensor::ShaftMarker) s.channels.Ku[c] = kShaftMarkerKu;
   if (s.SolidMode) {
     const int used = RecountChannelUsedCount(s);
     if (used > 0) s.FreqDesc = s.FreqDescR = RoundHalfEven(static_cast<double>(s.FreqADC) / used);

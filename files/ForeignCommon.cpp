@@ -65,7 +65,7 @@ QString ShortRemark(const QString& text) { return text.left(10); }
 
 int16_t ByteSampleCode(uint8_t b, double scale, double ku) {
   const int v = b >= 128 ? b : b + 256;
-  const int32_t code = RoundHalfEven(scale * v / 1.25 * ku);
+  const int32_t code = RoundHalfEven(scale * v / kMillivoltsPerCode * ku);
   return static_cast<int16_t>(std::clamp<int32_t>(code, INT16_MIN, INT16_MAX));
 }
 
@@ -136,7 +136,7 @@ void ForeignLoad::finish() {
     // Signs for the signal view to lay the channel out anew.
     ch.ChannelY[c] = 1000000;
     ch.ChannelYm[c] = -1;
-    if (ch.Type[c] == 3) ch.Ku[c] = 1.25f;
+    if (ch.Type[c] == sensor::ShaftMarker) ch.Ku[c] = kShaftMarkerKu;
   }
   const int current = s.FirstChannelActive;
   if (current < 1 || current > ChannelCount(s) || ch.Channel[current] != 1)

@@ -4,6 +4,7 @@
 // state that make a foreign file look like an opened recording.
 
 #include "core/AppState.h"
+#include "core/ChannelPhysics.h"
 #include "core/Prompts.h"
 #include "files/DataFileRules.h"
 #include "files/Layout.h"

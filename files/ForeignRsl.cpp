@@ -204,8 +204,8 @@ bool ReadFileRSL(AppState& state, Prompts& prompts) {
   const int m32 = foreign::kMarkerChannel;
   auto& ch = state.channels;
   ch.Channel[m32] = 1;
-  ch.Ku[m32] = 1.25f;
-  ch.Type[m32] = 3;
+  ch.Ku[m32] = kShaftMarkerKu;
+  ch.Type[m32] = sensor::ShaftMarker;
   for (int r = 1; r <= kSamples; ++r) state.SignalData.at(r, m32) = 0;
   // A mark equal to the first is no revolution and sets nothing.
   for (int i = 1; i < kShaftMarkSlots; ++i) {

@@ -287,8 +287,8 @@ bool ReadFileZRK(AppState& state, Prompts& prompts) {
   const int m32 = foreign::kMarkerChannel;
   auto& ch = state.channels;
   ch.Channel[m32] = 1;
-  ch.Ku[m32] = 1.25f;
-  ch.Type[m32] = 3;
+  ch.Ku[m32] = kShaftMarkerKu;
+  ch.Type[m32] = sensor::ShaftMarker;
   ch.Place[m32].clear();
   ch.Direct[m32].clear();
   for (int r = 1; r <= rows; ++r) state.SignalData.at(r, m32) = 0;

@@ -4,6 +4,7 @@
 // bracket vibration, a stator turn probe and the active power.
 
 #include "core/AppState.h"
+#include "core/ChannelPhysics.h"
 #include "core/Numeric.h"
 #include "files/DataFile.h"
 #include "tools/RecordRun.h"
@@ -27,17 +28,17 @@ struct DemoChannel {
 
 // Run-out probes stand in pairs at right angles at each guide bearing.
 constexpr DemoChannel kDemoChannels[] = {
-    {3, "ВГП", "", 1.25f, "Отметчик оборота"},
-    {0, "ВГП", "ВБ", 8.0f, "Вихретоковый датчик"},
-    {0, "ВГП", "ПБ", 8.0f, "Вихретоковый датчик"},
-    {0, "НГП", "ВБ", 8.0f, "Вихретоковый датчик"},
-    {0, "НГП", "ПБ", 8.0f, "Вихретоковый датчик"},
-    {0, "ТП", "ВБ", 8.0f, "Вихретоковый датчик"},
-    {0, "ТП", "ПБ", 8.0f, "Вихретоковый датчик"},
-    {1, "ВК", "Горизонтальное", 10.0f, "Вибродатчик"},
-    {1, "ВК", "Вертикальное", 10.0f, "Вибродатчик"},
-    {4, "Статор", "", 1.0f, "Витковый датчик"},
-    {9, "Статор", "", 6.6667e-5f, "Преобразователь мощности"},  // 4000 mV at 60 MW
+    {sensor::ShaftMarker, "ВГП", "", kShaftMarkerKu, "Отметчик оборота"},
+    {sensor::Runout, "ВГП", "ВБ", 8.0f, "Вихретоковый датчик"},
+    {sensor::Runout, "ВГП", "ПБ", 8.0f, "Вихретоковый датчик"},
+    {sensor::Runout, "НГП", "ВБ", 8.0f, "Вихретоковый датчик"},
+    {sensor::Runout, "НГП", "ПБ", 8.0f, "Вихретоковый датчик"},
+    {sensor::Runout, "ТП", "ВБ", 8.0f, "Вихретоковый датчик"},
+    {sensor::Runout, "ТП", "ПБ", 8.0f, "Вихретоковый датчик"},
+    {sensor::Vibration, "ВК", "Горизонтальное", 10.0f, "Вибродатчик"},
+    {sensor::Vibration, "ВК", "Вертикальное", 10.0f, "Вибродатчик"},
+    {sensor::TurnProbe, "Статор", "", 1.0f, "Витковый датчик"},
+    {sensor::Power, "Статор", "", 6.6667e-5f, "Преобразователь мощности"},  // 4000 mV at 60 MW
 };
 
 // The largest cycle length of the list (2^9 .. 2^20) that keeps the module

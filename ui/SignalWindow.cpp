@@ -1,4 +1,5 @@
 #include "ui/SignalWindow.h"
+#include "core/ChannelPhysics.h"
 
 #include "core/ConfigKeys.h"
 #include "ui/CopyPicture.h"
@@ -290,7 +291,7 @@ void SignalWindow::SignalLineCenter() { apply(views::SignalLineCenter(o_)); }
 
 void SignalWindow::SignalBeginPoint() {
   const int c = std::clamp(s_.FirstChannelActive, 1, kMaxChannels);
-  if (s_.channels.Type[c] != 0 || o_.StatusFilterConst || s_.AccountOffset) return;
+  if (!BeginPointApplies(s_.channels.Type[c], o_.StatusFilterConst, s_.AccountOffset)) return;
   apply(views::SignalBeginPoint(o_));
 }
 

@@ -1,4 +1,5 @@
 #include "core/AppState.h"
+#include "core/ChannelPhysics.h"
 #include "core/Numeric.h"
 #include "core/Prompts.h"
 #include "core/Vocabulary.h"
@@ -135,15 +136,23 @@ TEST_F(StateTest, SetChannelUnitKeepsItsTableAsItStands) {
   EXPECT_EQ(s.UnitName, QStringLiteral("г"));
 }
 
-TEST_F(StateTest, CodeToValueUsesGainZeroAndOffsetOption) {
+TEST_F(StateTest, ReadingsUseGainZeroAndAGuardedFactor) {
   s.channels.Ku[1] = 2.5f;
   s.channels.Zero[1] = 10;
   s.channels.Volume[1] = 1;
-  s.SignalOffset[1] = 100;
-  s.AccountOffset = false;
-  EXPECT_DOUBLE_EQ(CodeToValue(s, 1, 200), (200 * 1.25 - 40) / 2.5);
-  s.AccountOffset = true;
-  EXPECT_DOUBLE_EQ(CodeToValue(s, 1, 200), (100 * 1.25 - 40) / 2.5);
+  EXPECT_DOUBLE_EQ(ChannelReading(s.channels, 1, 200), (200 * 1.25 - 40) / 2.5);
+  EXPECT_DOUBLE_EQ(CodesToUnits(s.channels, 1, 200), 200 * 1.25 / 2.5);
+  for (const float broken : {0.0f, std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity()}) {
+    s.channels.Ku[1] = broken;
+    EXPECT_DOUBLE_EQ(ChannelReading(s.channels, 1, 200), 200 * 1.25 - 40) << broken;
+  }
+  s.channels.Volume[1] = 7;  // no such range: the largest gain
+  s.channels.Ku[1] = 1.0f;
+  EXPECT_DOUBLE_EQ(ChannelReading(s.channels, 1, 0), -64.0 * 10);
+  EXPECT_TRUE(BeginPointApplies(sensor::Runout, false, false));
+  EXPECT_FALSE(BeginPointApplies(sensor::Runout, true, false));
+  EXPECT_FALSE(BeginPointApplies(sensor::Runout, false, true));
+  EXPECT_FALSE(BeginPointApplies(sensor::Vibration, false, false));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "views/parameters/ParameterSteps.h"
+#include "core/ChannelPhysics.h"
 
 #include "views/signal/SignalEngine.h"
 
@@ -27,11 +28,11 @@ QString OutDataParameters(AppState& s, const SignalViewOptions& o, AnalysisResul
   const int c = std::clamp(s.FirstChannelActive, 1, ChannelCount(s));
   RotorSpeed speed;
   switch (s.channels.Type[c]) {
-    case 0:
-    case 1:
+    case sensor::Runout:
+    case sensor::Vibration:
       AccountChannelProbe(s, o, r, c);
       break;
-    case 3:
+    case sensor::ShaftMarker:
       speed = RunOtmetchick(s, o);
       break;
     default:

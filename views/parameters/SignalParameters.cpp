@@ -1,6 +1,7 @@
 // Texts of the signal parameter bar and of the large-type parameter window.
 
 #include "views/parameters/SignalParameters.h"
+#include "core/ChannelPhysics.h"
 
 #include "core/Numeric.h"
 
@@ -16,9 +17,7 @@ int CurrentChannel(const AppState& s) { return std::clamp(s.FirstChannelActive, 
 // Level of a code as the bar shows it: no division by the gain; at divisor 1
 // cut to its integer part unless told otherwise.
 QString LevelText(const AppState& s, int channel, double code, bool cutToInteger = true) {
-  const double ku = s.channels.Ku[channel] != 0.0f ? s.channels.Ku[channel] : 1.0;
-  const double gain = std::pow(4.0, std::clamp(s.channels.Volume[channel], 0, 3));
-  double level = (1.25 * code - gain * s.channels.Zero[channel]) / ku / s.UnitDivisor;
+  double level = ChannelReading(s.channels, channel, code) / s.UnitDivisor;
   if (cutToInteger && s.UnitDivisor == 1.0) level = std::trunc(level);
   return FormatStandard(level) + QStringLiteral(" ") + s.UnitName + QStringLiteral(" ");
 }
@@ -75,23 +74,22 @@ ParameterBar BuildParameterBar(AppState& s, const SignalViewOptions& o, SignalVi
   const int c = CurrentChannel(s);
   ParameterBar bar;
   std::vector<ParameterPanel>& panels = bar.panels;
-  const double ku = s.channels.Ku[c] != 0.0f ? s.channels.Ku[c] : 1.0;
   switch (s.channels.Type[c]) {
-    case 0: {
+    case sensor::Runout: {
       panels.push_back({QStringLiteral("ОУ (0-20Гц): ") + QString::number(r.BandMax[1]) + QStringLiteral("мкм "),
                         QStringLiteral("Общий уровень - максимальное значение")});
       panels.push_back({HarmonicText(r), QStringLiteral("Усредненная амплитуда 1 гармоники")});
-      const double shift = s.AccountOffset ? (s.SignalOffset[c] - s.channels.KS[c]) * 1.25 / ku
-                                           : s.SignalOffset[c] * 1.25 / ku;
+      const double shift =
+          CodesToUnits(s.channels, c, s.AccountOffset ? s.SignalOffset[c] - s.channels.KS[c] : s.SignalOffset[c]);
       panels.push_back({QStringLiteral("Смещение: ") + QString::number(static_cast<qint64>(std::trunc(shift))) +
                             QStringLiteral("мкм "),
                         QStringLiteral("Смещение вала в сторону датчика")});
       break;
     }
-    case 1:
+    case sensor::Vibration:
       AddVibrationPanels(o, r, panels);
       break;
-    case 3: {
+    case sensor::ShaftMarker: {
       panels.push_back({QStringLiteral("Частота вращения: ") + v.RotorSpeedText, QStringLiteral("Частота вращения")});
       const int count = s.ShaftMarkCount - 1 >= 1 ? s.ShaftMarkCount - 1 : s.NumberRotorRecord;
       panels.push_back({QStringLiteral("Количество оборотов: ") + QString::number(count) + QStringLiteral(" "),
@@ -128,16 +126,14 @@ QString ParameterTableText(AppState& s, const SignalViewOptions& o, const Parame
                            const RotorSpeed& speed) {
   const int c = CurrentChannel(s);
   switch (s.channels.Type[c]) {
-    case 0:
+    case sensor::Runout:
       return FormatStandard(r.BandMax[1]) + QStringLiteral(" мкм");
-    case 1:
+    case sensor::Vibration:
       return FormatStandard(o.SignalParameterMax ? r.BandMax[0] : r.BandMean[0]) + QStringLiteral(" мкм");
-    case 3:
+    case sensor::ShaftMarker:
       return RotorSpeedText(speed);
     default: {
-      const double ku = s.channels.Ku[c] != 0.0f ? s.channels.Ku[c] : 1.0;
-      const double gain = std::pow(4.0, std::clamp(s.channels.Volume[c], 0, 3));
-      const double value = (1.25 * s.SignalMaxValue[c] - gain * s.channels.Zero[c]) / ku;
+      const double value = ChannelReading(s.channels, c, s.SignalMaxValue[c]);
       SetChannelUnit(s, value);
       const double divisor = s.UnitDivisor != 0.0 ? s.UnitDivisor : 1.0;
       return FormatStandard(value / divisor) + QStringLiteral(" ") + s.UnitName;

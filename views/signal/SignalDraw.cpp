@@ -3,6 +3,7 @@
 // level grid, thresholds and the trace, then begin point, selection, frame.
 
 #include "core/Numeric.h"
+#include "core/ChannelPhysics.h"
 #include "views/signal/SignalEngine.h"
 #include "views/signal/SignalView.h"
 
@@ -150,15 +151,12 @@ void DrawTrace(const AppState& s, const SignalViewState& v, int channel, double 
   const int channelY = s.channels.ChannelY[channel];
   const double pps = v.PixelsPerSample;
   if (pps >= 1.0) {
-    const double ku = s.channels.Ku[channel] != 0.0f ? s.channels.Ku[channel] : 1.0;
-    const double k = pixelsPerUnit / ku;
-    const int offset = s.AccountOffset ? s.SignalOffset[channel] : 0;
-    const double base = RoundHalfEven(offset * 1.25 * pixelsPerUnit / ku + channelY);
-    const double z = RoundHalfEven(std::pow(4.0, std::clamp(s.channels.Volume[channel], 0, 3)) * s.channels.Zero[channel]);
+    const CodeOrdinate ord =
+        ChannelOrdinate(s.channels, channel, pixelsPerUnit, channelY, s.AccountOffset ? s.SignalOffset[channel] : 0);
     const int first = std::clamp(s.ViewFirst, 1, kMaxSamples);
-    // The first sample is scaled by 1.25 and those after it by the raw code:
-    // that difference is part of how this view has always drawn.
-    const int y0 = RoundHalfEven(base - (1.25 * s.SignalData.at(first, channel) - z) * k);
+    // The first sample is scaled to millivolts and those after it taken as
+    // raw codes: that difference is part of how this view has always drawn.
+    const int y0 = ord.y(kMillivoltsPerCode * s.SignalData.at(first, channel));
     double x = pps / 2.0;
     trace.xs = {0, RoundHalfEven(x)};
     trace.ys = {y0, y0};
@@ -168,7 +166,7 @@ void DrawTrace(const AppState& s, const SignalViewState& v, int channel, double 
       trace.ys.reserve(static_cast<size_t>(last - first) * 2 + 2);
     }
     for (int sample = first + 1; sample <= last; ++sample) {
-      const int y = RoundHalfEven(base - (s.SignalData.at(sample, channel) - z) * k);
+      const int y = ord.y(s.SignalData.at(sample, channel));
       trace.xs.push_back(RoundHalfEven(x));
       trace.ys.push_back(y);
       x += pps;
@@ -263,7 +261,7 @@ DrawList DrawSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v,
       SetChannelUnit(s, s.channels.ChannelYm[c]);
       if (o.ScaleY) DrawLevelGrid(s, o, v, fm, c, list);
     }
-    if (s.channels.Type[c] == 3 && markerChannel != 0) {
+    if (s.channels.Type[c] == sensor::ShaftMarker && markerChannel != 0) {
       const int markerY = s.channels.ChannelY[markerChannel];
       if (o.Otmetchick) {
         const int level = o.OtmetchickAuto != 0 ? v.speed.OtmetchickLevel : o.OtmetchickLevel;
@@ -278,9 +276,9 @@ DrawList DrawSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v,
     DrawTrace(s, v, c, ppu, list);
   }
 
-  if (o.BeginPoint && s.channels.Type[current] == 0 && !o.StatusFilterConst && !s.AccountOffset) {
-    const double ku = s.channels.Ku[current] != 0.0f ? s.channels.Ku[current] : 1.0;
-    const int y = RoundHalfEven(s.channels.ChannelY[current] - s.channels.KS[current] * 1.25 * v.PixelsPerUnitFirst / ku);
+  if (o.BeginPoint && BeginPointApplies(s.channels.Type[current], o.StatusFilterConst, s.AccountOffset)) {
+    const int y = RoundHalfEven(s.channels.ChannelY[current] -
+                                CodesToUnits(s.channels, current, s.channels.KS[current]) * v.PixelsPerUnitFirst);
     list.add(Line{0, y, w, y, MakePen(o.colors.ColorBeginPoint, 1, DashStyle::Dash)});
   }
 

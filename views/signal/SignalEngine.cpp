@@ -1,4 +1,5 @@
 #include "views/signal/SignalEngine.h"
+#include "core/ChannelPhysics.h"
 
 #include "engine/Aquilonix.h"
 
@@ -14,7 +15,7 @@ void ThinChannel(const AppState& s, int channel, int widthPx, int heightPx, int 
   // channel.
   PerChannel<int32_t> offsets;
   if (s.AccountOffset) offsets = s.SignalOffset;
-  AccountDataBuildSignal(w, channelY, pixelsPerSample, pixelsPerUnit, 1.25, heightPx, channel - 1, s.SignalData.data(),
+  AccountDataBuildSignal(w, channelY, pixelsPerSample, pixelsPerUnit, kMillivoltsPerCode, heightPx, channel - 1, s.SignalData.data(),
                          std::clamp(s.SignalDataN, 0, kMaxSamples), s.ViewFirst, s.ViewLast, s.channels.Ku.data(),
                          s.channels.Zero.data(), s.channels.Volume.data(), offsets.data(), columns.data());
 }

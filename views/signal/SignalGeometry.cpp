@@ -2,6 +2,7 @@
 // sample mapping, the time grid's step, and the time texts.
 
 #include "core/Numeric.h"
+#include "core/ChannelPhysics.h"
 #include "core/Vocabulary.h"
 #include "views/signal/SignalView.h"
 
@@ -85,8 +86,7 @@ std::vector<int> BandCentres(int heightPx, int activeCount) {
 }
 
 int AutoChannelYm(int signalMaxValue, float ku, int volume, int activeCount) {
-  const double k = ku != 0.0f ? ku : 1.0;
-  const int peak = RoundHalfEven(signalMaxValue * 1.25 / k / std::pow(4.0, std::clamp(volume, 0, 3)));
+  const int peak = RoundHalfEven(signalMaxValue * kMillivoltsPerCode / SafeKu(ku) / RangeGain(volume));
   // The scan starts at the first entry, which is also the current value, so
   // every entry qualifies by the second condition.
   int ym = kAmplitudeScales[0];

@@ -3,6 +3,7 @@
 // redo.
 
 #include "core/Numeric.h"
+#include "core/ChannelPhysics.h"
 #include "views/signal/SignalView.h"
 
 #include <algorithm>
@@ -21,9 +22,8 @@ double Divisor(const AppState& s) { return s.UnitDivisor != 0.0 ? s.UnitDivisor 
 // Reading of the stored code at a sample, in the channel's base unit, as the
 // cursor readouts compute it (no division by the gain).
 double CursorReading(const AppState& s, int channel, int sample) {
-  const double ku = s.channels.Ku[channel] != 0.0f ? s.channels.Ku[channel] : 1.0;
   const double code = static_cast<double>(s.SignalData.at(sample, channel)) - s.SignalOffset[channel];
-  return (1.25 * code - std::pow(4.0, std::clamp(s.channels.Volume[channel], 0, 3)) * s.channels.Zero[channel]) / ku;
+  return ChannelReading(s.channels, channel, code);
 }
 
 // "### ### ###": the integer part grouped by three with blanks.
@@ -275,7 +275,7 @@ SignalAction StatusPanelClicked(AppState& s, SignalViewOptions& o, SignalViewSta
     }
     case SignalPanel::BeginPoint: {
       const int current = CurrentChannel(s);
-      if (s.channels.Type[current] != 0 || o.StatusFilterConst || s.AccountOffset) return {};
+      if (!BeginPointApplies(s.channels.Type[current], o.StatusFilterConst, s.AccountOffset)) return {};
       return SignalBeginPoint(o);
     }
     default:
@@ -318,10 +318,10 @@ SignalStatus OutInfoToStatusBar(AppState& s, const SignalViewOptions& o, const S
   }
   const int percent = v.H > 0 ? RoundHalfEven(100.0 * s.channels.ChannelY[current] / v.H) : 0;
   set(SignalPanel::Y0, QStringLiteral("Y0: ") + QString::number(percent) + QStringLiteral("% "));
-  st.beginPointEnabled = s.channels.Type[current] == 0 && !o.StatusFilterConst && !s.AccountOffset;
+  st.beginPointEnabled = BeginPointApplies(s.channels.Type[current], o.StatusFilterConst, s.AccountOffset);
   if (st.beginPointEnabled) {
-    const double ku = s.channels.Ku[current] != 0.0f ? s.channels.Ku[current] : 1.0;
-    set(SignalPanel::BeginPoint, QStringLiteral("BP: ") + FormatGrouped(s.channels.KS[current] * 1.25 / ku) + QStringLiteral(" мкм "));
+    set(SignalPanel::BeginPoint, QStringLiteral("BP: ") + FormatGrouped(CodesToUnits(s.channels, current, s.channels.KS[current])) +
+                                     QStringLiteral(" мкм "));
   } else {
     set(SignalPanel::BeginPoint, QStringLiteral("BP: - "));
   }
