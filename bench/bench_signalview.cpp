@@ -4,7 +4,7 @@
 
 #include "core/AppState.h"
 #include "engine/Aquilonix.h"
-#include "ui/PaintDrawList.h"
+#include "ui/paint/PaintDrawList.h"
 #include "views/Analysis.h"
 #include "views/ViewRefresh.h"
 #include "views/signal/SignalRefresh.h"

@@ -12,9 +12,7 @@
 #include "views/parameters/ParameterSteps.h"
 #include "views/signal/SignalView.h"
 
-#if AQX_TOOL_PAINTS
-#include "ui/PaintDrawList.h"
-#endif
+#include "ui/paint/PaintDrawList.h"
 
 #include <QFile>
 #include <QImage>
@@ -82,7 +80,6 @@ void ShowStretch(AppState& s, views::SignalViewState& v, int first, int last) {
 }
 
 bool SavePicture(const views::DrawList& picture, const QString& path) {
-#if AQX_TOOL_PAINTS
   const QImage image = ui::RenderDrawList(picture);
   // A temporary beside the target, renamed when complete: never a half
   // written picture under the asked name.
@@ -99,12 +96,6 @@ bool SavePicture(const views::DrawList& picture, const QString& path) {
     return false;
   }
   return true;
-#else
-  (void)picture;
-  (void)path;
-  Print(stderr, QStringLiteral("render: this build has no painter (the window program was left out)\n"));
-  return false;
-#endif
 }
 
 // The block of a continuous recording asked for by --block and --scale ("min"
@@ -191,12 +182,8 @@ int RunRender(ToolContext& ctx) {
   views::AccountChannelY0(s, options, view);
   views::SetY0(s, view);
 
-#if AQX_TOOL_PAINTS
   const ui::QtFontMetrics font(ui::DefaultViewFont());
   const views::FontMetrics& metrics = font.metrics();
-#else
-  const views::FontMetrics metrics;
-#endif
   const views::DrawList picture = views::BuildSignal(s, options, view, metrics);
   if (!SavePicture(picture, output)) return kExitFailure;
 

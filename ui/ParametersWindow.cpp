@@ -1,6 +1,6 @@
 #include "ui/ParametersWindow.h"
 
-#include "ui/PaintDrawList.h"
+#include "ui/paint/PaintDrawList.h"
 #include "ui/ViewOptions.h"
 #include "views/parameters/ParameterSteps.h"
 

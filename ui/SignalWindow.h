@@ -3,7 +3,7 @@
 // hands every mouse, keyboard, scroll-bar, slider and status-panel event to
 // the view's interaction rules, then does what they ask.
 
-#include "ui/PaintDrawList.h"
+#include "ui/paint/PaintDrawList.h"
 #include "ui/ViewHost.h"
 #include "views/ViewRefresh.h"
 #include "views/parameters/SignalParameters.h"

@@ -1,7 +1,7 @@
 #include "ui/ViewOptions.h"
 
 #include "core/ConfigKeys.h"
-#include "ui/PaintDrawList.h"
+#include "ui/paint/PaintDrawList.h"
 #include "ui/Workspace.h"
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 
 #include "core/AppState.h"
 #include "core/Numeric.h"
-#include "ui/PaintDrawList.h"
+#include "ui/paint/PaintDrawList.h"
 #include "views/signal/SignalView.h"
 
 #include <QDir>

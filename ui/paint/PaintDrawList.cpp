@@ -1,4 +1,4 @@
-#include "ui/PaintDrawList.h"
+#include "ui/paint/PaintDrawList.h"
 
 #include <QImage>
 #include <QPaintDevice>
