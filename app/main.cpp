@@ -7,10 +7,10 @@
 #include "core/Startup.h"
 #include "core/Vocabulary.h"
 #include "files/FileReaders.h"
-#include "ui/MainWindow.h"
-#include "ui/QtPrompts.h"
-#include "ui/SplashPictures.h"
-#include "ui/StartWindow.h"
+#include "ui/main/MainWindow.h"
+#include "ui/common/QtPrompts.h"
+#include "ui/main/SplashPictures.h"
+#include "ui/main/StartWindow.h"
 
 #include <QApplication>
 #include <QLibraryInfo>

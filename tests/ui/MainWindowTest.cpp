@@ -6,11 +6,11 @@
 #include "UiTestSupport.h"
 
 #include "core/OpenFile.h"
-#include "ui/MeasurementRun.h"
-#include "ui/PanelBar.h"
-#include "ui/ParametersWindow.h"
-#include "ui/SignalWindow.h"
-#include "ui/Workspace.h"
+#include "ui/acquisition/MeasurementRun.h"
+#include "ui/common/PanelBar.h"
+#include "ui/signal/ParametersWindow.h"
+#include "ui/signal/SignalWindow.h"
+#include "ui/main/Workspace.h"
 
 #include <QAction>
 #include <QApplication>

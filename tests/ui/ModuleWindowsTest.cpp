@@ -1,7 +1,7 @@
 // The module's service windows on the virtual module: its description, the
 // loop-back of the digital lines, and failures told without losing anything.
 
-#include "ui/ModuleWindows.h"
+#include "ui/acquisition/ModuleWindows.h"
 
 #include <QCheckBox>
 

@@ -3,8 +3,8 @@
 
 #include "UiTestSupport.h"
 
-#include "ui/PanelBar.h"
-#include "ui/SignalWindow.h"
+#include "ui/common/PanelBar.h"
+#include "ui/signal/SignalWindow.h"
 
 #include <QAction>
 #include <QApplication>

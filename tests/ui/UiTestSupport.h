@@ -7,7 +7,7 @@
 #include "core/Settings.h"
 #include "core/Vocabulary.h"
 #include "files/FileReaders.h"
-#include "ui/MainWindow.h"
+#include "ui/main/MainWindow.h"
 
 #include <QString>
 #include <QTemporaryDir>

@@ -1,11 +1,11 @@
 // The small widgets: prompts as message boxes and notices, the panel bar,
 // the start window, the drawn icons.
 
-#include "ui/CopyPicture.h"
-#include "ui/Icons.h"
-#include "ui/PanelBar.h"
-#include "ui/QtPrompts.h"
-#include "ui/StartWindow.h"
+#include "ui/common/CopyPicture.h"
+#include "ui/common/Icons.h"
+#include "ui/common/PanelBar.h"
+#include "ui/common/QtPrompts.h"
+#include "ui/main/StartWindow.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,6 +1,6 @@
-#include "ui/QtPrompts.h"
-#include "ui/SplashPictures.h"
-#include "ui/Workspace.h"
+#include "ui/common/QtPrompts.h"
+#include "ui/main/SplashPictures.h"
+#include "ui/main/Workspace.h"
 
 #include "core/Vocabulary.h"
 

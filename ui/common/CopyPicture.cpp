@@ -1,6 +1,6 @@
-#include "ui/CopyPicture.h"
+#include "ui/common/CopyPicture.h"
 
-#include "ui/Workspace.h"
+#include "ui/main/Workspace.h"
 
 #include <QClipboard>
 #include <QFontMetrics>

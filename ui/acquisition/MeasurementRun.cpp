@@ -1,4 +1,4 @@
-#include "ui/MeasurementRun.h"
+#include "ui/acquisition/MeasurementRun.h"
 
 #include "core/EngineErrors.h"
 #include "core/Numeric.h"

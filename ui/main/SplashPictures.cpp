@@ -1,4 +1,4 @@
-#include "ui/SplashPictures.h"
+#include "ui/main/SplashPictures.h"
 
 #include <QLinearGradient>
 #include <QPainter>

@@ -1,7 +1,7 @@
 #pragma once
 // frmViewParameters: the main reading of the active channel in large type.
 
-#include "ui/ViewHost.h"
+#include "ui/main/ViewHost.h"
 
 #include <QWidget>
 

@@ -4,7 +4,7 @@
 // the view's interaction rules, then does what they ask.
 
 #include "ui/paint/PaintDrawList.h"
-#include "ui/ViewHost.h"
+#include "ui/main/ViewHost.h"
 #include "views/ViewRefresh.h"
 #include "views/parameters/SignalParameters.h"
 

@@ -1,6 +1,6 @@
-#include "ui/StartWindow.h"
+#include "ui/main/StartWindow.h"
 
-#include "ui/SplashPictures.h"
+#include "ui/main/SplashPictures.h"
 
 #include <QGuiApplication>
 #include <QLabel>

@@ -1,8 +1,8 @@
-#include "ui/ViewOptions.h"
+#include "ui/signal/ViewOptions.h"
 
 #include "core/ConfigKeys.h"
 #include "ui/paint/PaintDrawList.h"
-#include "ui/Workspace.h"
+#include "ui/main/Workspace.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
-#include "ui/ParametersWindow.h"
+#include "ui/signal/ParametersWindow.h"
 
 #include "ui/paint/PaintDrawList.h"
-#include "ui/ViewOptions.h"
+#include "ui/signal/ViewOptions.h"
 #include "views/parameters/ParameterSteps.h"
 
 #include <QPainter>

@@ -1,10 +1,10 @@
-#include "ui/SignalWindow.h"
+#include "ui/signal/SignalWindow.h"
 #include "core/ChannelPhysics.h"
 
 #include "core/ConfigKeys.h"
-#include "ui/CopyPicture.h"
-#include "ui/PanelBar.h"
-#include "ui/ViewOptions.h"
+#include "ui/common/CopyPicture.h"
+#include "ui/common/PanelBar.h"
+#include "ui/signal/ViewOptions.h"
 #include "views/parameters/ParameterSteps.h"
 #include "views/signal/SignalRefresh.h"
 

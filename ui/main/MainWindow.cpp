@@ -1,15 +1,15 @@
-#include "ui/MainWindow.h"
+#include "ui/main/MainWindow.h"
 
 #include "core/Config.h"
 #include "core/ConfigWriters.h"
 #include "core/Startup.h"
-#include "ui/Icons.h"
-#include "ui/MeasurementRun.h"
-#include "ui/PanelBar.h"
-#include "ui/ParametersWindow.h"
-#include "ui/SignalWindow.h"
-#include "ui/ViewOptions.h"
-#include "ui/Workspace.h"
+#include "ui/common/Icons.h"
+#include "ui/acquisition/MeasurementRun.h"
+#include "ui/common/PanelBar.h"
+#include "ui/signal/ParametersWindow.h"
+#include "ui/signal/SignalWindow.h"
+#include "ui/signal/ViewOptions.h"
+#include "ui/main/Workspace.h"
 
 #include <QAction>
 #include <QApplication>

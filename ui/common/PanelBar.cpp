@@ -1,4 +1,4 @@
-#include "ui/PanelBar.h"
+#include "ui/common/PanelBar.h"
 
 #include <QHelpEvent>
 #include <QMouseEvent>

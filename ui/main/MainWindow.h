@@ -6,7 +6,7 @@
 #include "core/FileReaders.h"
 #include "core/OpenFile.h"
 #include "files/SolidFile.h"
-#include "ui/ViewHost.h"
+#include "ui/main/ViewHost.h"
 
 #include <QDialog>
 #include <QHash>

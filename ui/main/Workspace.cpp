@@ -1,4 +1,4 @@
-#include "ui/Workspace.h"
+#include "ui/main/Workspace.h"
 
 #include "core/Numeric.h"
 

@@ -1,10 +1,10 @@
 // The menus, toolbars and status bar of frmMain, with the captions the users
 // know.
 
-#include "ui/Icons.h"
-#include "ui/MainWindow.h"
-#include "ui/PanelBar.h"
-#include "ui/Workspace.h"
+#include "ui/common/Icons.h"
+#include "ui/main/MainWindow.h"
+#include "ui/common/PanelBar.h"
+#include "ui/main/Workspace.h"
 
 #include <QActionGroup>
 #include <QLineEdit>

@@ -1,4 +1,4 @@
-#include "ui/ModuleWindows.h"
+#include "ui/acquisition/ModuleWindows.h"
 
 #include "core/EngineErrors.h"
 #include "engine/Aquilonix.h"

@@ -1,4 +1,4 @@
-#include "ui/QtPrompts.h"
+#include "ui/common/QtPrompts.h"
 
 #include <QApplication>
 #include <QDir>
