@@ -57,7 +57,6 @@ std::unique_ptr<AppState> Recording(int samples) {
 
 struct Bench {
   std::unique_ptr<AppState> s;
-  views::SignalViewOptions o;
   views::SignalViewState v;
   std::unique_ptr<views::AnalysisResults> r = std::make_unique<views::AnalysisResults>();
   views::ViewRegistry registry;
@@ -73,7 +72,7 @@ struct Bench {
     views::ConfigSliderH(*s, v);
     registry.runOn = true;  // no notice window in a benchmark
     registry.signalStatusBarParameter = true;
-    views::InstallEngineSteps(registry, *s, o, *r);
+    views::InstallEngineSteps(registry, *s, *r);
     views::SignalWindowHooks hooks;
     hooks.fm = metrics->metrics();
     hooks.showPicture = [this](views::DrawList&& list) {
@@ -82,7 +81,7 @@ struct Bench {
     };
     hooks.showParameterBar = [this](views::ParameterBar&& bar) { panels += static_cast<int64_t>(bar.panels.size()); };
     hooks.parameterBarWidthPx = [] { return kWidthPx; };
-    views::InstallSignalView(registry, *s, o, v, *r, std::move(hooks));
+    views::InstallSignalView(registry, *s, v, *r, std::move(hooks));
   }
 };
 

@@ -4,6 +4,7 @@
 #include "core/Vocabulary.h"
 
 #include <cmath>
+#include <cstring>
 
 namespace aqx {
 
@@ -32,37 +33,37 @@ const SettingKey kScalarKeys[] = {
     {kSectionConfig, "TimeRefresh", "0.25", [](AppState& s) -> F { return &s.options.config.TimeRefresh; }},
     {kSectionConfig, "SolidMode", "0", [](AppState& s) -> F { return &s.SolidMode; }},
     {kSectionConfig, "SolidFileName", "Aquilonix", [](AppState& s) -> F { return &s.SolidFileName; }},
-    {kSectionConfig, "FreqADC", "32000", [](AppState& s) -> F { return &s.FreqADC; }, kMinFreqADC, kMaxFreqADC},
+    {kSectionConfig, "FreqADC", "32000", [](AppState& s) -> F { return &s.FreqADC; }, {}, kMinFreqADC, kMaxFreqADC},
     {kSectionConfig, "Clearance", "2500", [](AppState& s) -> F { return &s.Clearance; }},
-    {kSectionConfig, "FirstChannelActive", "1", [](AppState& s) -> F { return &s.FirstChannelActive; }, 1, kMaxChannel},
+    {kSectionConfig, "FirstChannelActive", "1", [](AppState& s) -> F { return &s.FirstChannelActive; }, {}, 1, kMaxChannel},
     // Config: the view menu and the main window.
-    {kSectionConfig, "ViewToolbarMain", "1", [](AppState& s) -> F { return &s.options.config.ViewToolbarMain; }},
-    {kSectionConfig, "ViewToolbarChannels", "1", [](AppState& s) -> F { return &s.options.config.ViewToolbarChannels; }},
-    {kSectionConfig, "ViewStatusBar", "1", [](AppState& s) -> F { return &s.options.config.ViewStatusBar; }},
+    {kSectionConfig, "ViewToolbarMain", "1", [](AppState& s) -> F { return &s.options.config.ViewToolbarMain; }, {"Панель инструментов", "mnuViewToolbarMain", 0}},
+    {kSectionConfig, "ViewToolbarChannels", "1", [](AppState& s) -> F { return &s.options.config.ViewToolbarChannels; }, {"Панель каналов", "mnuViewToolbarChannels", 0}},
+    {kSectionConfig, "ViewStatusBar", "1", [](AppState& s) -> F { return &s.options.config.ViewStatusBar; }, {"Информационная строка", "mnuViewStatusBar", 0}},
     {kSectionConfig, "ViewFiles", "0", [](AppState& s) -> F { return &s.options.config.ViewFiles; }},
     {kSectionConfig, "ViewStyle", "1", [](AppState& s) -> F { return &s.ViewStyle; }},
     {kSectionConfig, "Imposition", "0", [](AppState& s) -> F { return &s.Imposition; }},
     {kSectionConfig, "SaveProbe", "0", [](AppState& s) -> F { return &s.SaveProbe; }},
     {kSectionConfig, "SaveFilter", "0", [](AppState& s) -> F { return &s.SaveFilter; }},
-    {kSectionConfig, "ColorBackKitSel", "1", [](AppState& s) -> F { return &s.options.config.ColorBackKitSel; }, 0, kColorBackKitSets - 1},
+    {kSectionConfig, "ColorBackKitSel", "1", [](AppState& s) -> F { return &s.options.config.ColorBackKitSel; }, {}, 0, kColorBackKitSets - 1},
     {kSectionConfig, "Advice", "1", [](AppState& s) -> F { return &s.options.config.Advice; }},
     {kSectionConfig, "AdviceN", "0", [](AppState& s) -> F { return &s.options.config.AdviceN; }},
     {kSectionConfig, "StartUpPicture", "1", [](AppState& s) -> F { return &s.options.config.StartUpPicture; }},
     {kSectionConfig, "ProbeType", "0", [](AppState& s) -> F { return &s.options.config.ProbeType; }},
     {kSectionConfig, "FilterType", "0", [](AppState& s) -> F { return &s.options.config.FilterType; }},
-    // Signal view.
-    {kSectionSignal, "StatusBarParameter", "1", [](AppState& s) -> F { return &s.options.signal.StatusBarParameter; }},
-    {kSectionSignal, "Control", "1", [](AppState& s) -> F { return &s.options.signal.Control; }},
-    {kSectionSignal, "StatusBar", "1", [](AppState& s) -> F { return &s.options.signal.StatusBar; }},
-    {kSectionSignal, "ScaleX", "1", [](AppState& s) -> F { return &s.options.signal.ScaleX; }},
-    {kSectionSignal, "ScaleY", "1", [](AppState& s) -> F { return &s.options.signal.ScaleY; }},
+    // Signal view: the ticks of its menu in their order, then the rest.
+    {kSectionSignal, "ScaleX", "1", [](AppState& s) -> F { return &s.options.signal.ScaleX; }, {"Шкала времени", "mnuSignalScaleX", 0}},
+    {kSectionSignal, "ScaleY", "1", [](AppState& s) -> F { return &s.options.signal.ScaleY; }, {"Шкала уровня", "mnuSignalScaleY", 0}},
+    {kSectionSignal, "LineCenter", "0", [](AppState& s) -> F { return &s.options.signal.LineCenter; }, {"Линия центра", "mnuSignalLineCenter", 0}},
+    {kSectionSignal, "LineZero", "1", [](AppState& s) -> F { return &s.options.signal.LineZero; }, {"Нулевая линия", "mnuSignalLineZero", 0}},
+    {kSectionSignal, "OtmetchickLine", "1", [](AppState& s) -> F { return &s.options.signal.OtmetchickLine; }, {"Линии отметчика", "mnuSignalOtmetchickLine", 0}},
+    {kSectionSignal, "Otmetchick", "1", [](AppState& s) -> F { return &s.options.signal.Otmetchick; }, {"Порог отметчика", "mnuSignalOtmetchick", 0}},
+    {kSectionSignal, "BeginPoint", "0", [](AppState& s) -> F { return &s.options.signal.BeginPoint; }, {"Начальная точка", "mnuSignalBeginPoint", 0}},
+    {kSectionSignal, "StatusBarParameter", "1", [](AppState& s) -> F { return &s.options.signal.StatusBarParameter; }, {"Панель параметров", "mnuSignalStatusBarParameter", 1}},
+    {kSectionSignal, "Control", "1", [](AppState& s) -> F { return &s.options.signal.Control; }, {"Элементы управления", "mnuSignalControl", 1}},
+    {kSectionSignal, "StatusBar", "1", [](AppState& s) -> F { return &s.options.signal.StatusBar; }, {"Информационная строка", "mnuSignalStatusBar", 1}},
     {kSectionSignal, "Cursor", "-1", [](AppState& s) -> F { return &s.options.signal.Cursor; }},
-    {kSectionSignal, "Otmetchick", "1", [](AppState& s) -> F { return &s.options.signal.Otmetchick; }},
-    {kSectionSignal, "OtmetchickLine", "1", [](AppState& s) -> F { return &s.options.signal.OtmetchickLine; }},
     {kSectionSignal, "SignalViewColorProperty", "1", [](AppState& s) -> F { return &s.options.signal.SignalViewColorProperty; }},
-    {kSectionSignal, "LineCenter", "0", [](AppState& s) -> F { return &s.options.signal.LineCenter; }},
-    {kSectionSignal, "LineZero", "1", [](AppState& s) -> F { return &s.options.signal.LineZero; }},
-    {kSectionSignal, "BeginPoint", "0", [](AppState& s) -> F { return &s.options.signal.BeginPoint; }},
     // Spectrum view.
     {kSectionSpectr, "StatusBarParameter", "1", [](AppState& s) -> F { return &s.options.spectr.StatusBarParameter; }},
     {kSectionSpectr, "StatusBar", "1", [](AppState& s) -> F { return &s.options.spectr.StatusBar; }},
@@ -200,6 +201,26 @@ void WriteFrom(SettingsStore& store, const QString& section, const QString& key,
 
 std::span<const SettingKey> ScalarSettingKeys() { return kScalarKeys; }
 std::span<const ChannelSettingKey> ChannelSettingKeys() { return kChannelKeys; }
+
+std::vector<const SettingKey*> MenuOptions(const char* section) {
+  std::vector<const SettingKey*> rows;
+  for (const SettingKey& k : kScalarKeys)
+    if (k.menu.caption && std::strcmp(k.section, section) == 0) rows.push_back(&k);
+  return rows;
+}
+
+bool OptionFlag(const AppState& s, const SettingKey& key) {
+  // The accessor hands out a pointer for loading; here it is only read.
+  const SettingField field = key.field(const_cast<AppState&>(s));
+  const auto* flag = std::get_if<bool*>(&field);
+  return flag && **flag;
+}
+
+void FlipOptionFlag(AppState& s, SettingsStore& store, const SettingKey& key) {
+  const SettingField field = key.field(s);
+  if (auto* flag = std::get_if<bool*>(&field)) **flag = !**flag;
+  WriteSettingKey(store, key, s);
+}
 
 const SettingKey* FindSettingKey(const QString& section, const QString& key) {
   for (const SettingKey& k : kScalarKeys)

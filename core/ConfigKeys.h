@@ -1,9 +1,12 @@
 #pragma once
 // Where each setting of the shared state lives in the settings store: the
-// section, the key, the default that stands when the key is missing, and the
-// field it fills. The scalar table lists the keys in the order in which the
-// settings load reads them after the fixed first group; the per-channel
-// table lists the keys that carry a channel number 1..32.
+// section, the key, the default that stands when the key is missing, the
+// field it fills, and for an option that a menu ticks, the menu entry. The
+// scalar table is one run of rows per section, in the order in which the
+// settings load reads them after the fixed first group; loading, saving, the
+// menu entries that tick options and their check marks all come from it, so
+// a new option is a new row. The per-channel table lists the keys that carry
+// a channel number 1..32.
 
 #include "core/AppState.h"
 #include "core/Settings.h"
@@ -13,6 +16,7 @@
 #include <limits>
 #include <span>
 #include <variant>
+#include <vector>
 
 namespace aqx {
 
@@ -38,6 +42,13 @@ inline constexpr char kSectionRecent[] = "Recent";
 
 using SettingField = std::variant<int32_t*, bool*, float*, double*, QString*>;
 
+// The entry of a menu that ticks a boolean option.
+struct OptionMenuEntry {
+  const char* caption = nullptr;     // nullptr: no entry of its own
+  const char* objectName = nullptr;  // "mnuSignalLineZero"
+  int group = 0;                     // a menu's entries stand in groups, a separator apart
+};
+
 struct SettingKey {
   const char* section;
   const char* key;
@@ -45,6 +56,7 @@ struct SettingKey {
   // are shown to the user in the locale's form (DefaultSettingText).
   const char* defaultText;
   SettingField (*field)(AppState& s);
+  OptionMenuEntry menu{};
   // Integers outside this range are refused like text that is no number:
   // the field keeps its value. Guards the fields that index tables.
   int32_t minValue = std::numeric_limits<int32_t>::min();
@@ -66,6 +78,12 @@ std::span<const ChannelSettingKey> ChannelSettingKeys();
 
 // The scalar key of that section and name, or nullptr.
 const SettingKey* FindSettingKey(const QString& section, const QString& key);
+// The rows of one section that a menu ticks, in table order.
+std::vector<const SettingKey*> MenuOptions(const char* section);
+// A boolean option's value in the state; false for a row that holds no flag.
+bool OptionFlag(const AppState& s, const SettingKey& key);
+// Flips a boolean option in the state and saves it.
+void FlipOptionFlag(AppState& s, SettingsStore& store, const SettingKey& key);
 // False for text the load would refuse for a key with a range (an integer
 // outside it, or no integer); any text for other keys.
 bool SettingTextAccepted(const QString& section, const QString& key, const QString& text,

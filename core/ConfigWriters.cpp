@@ -24,6 +24,12 @@ bool SaveOption(SettingsStore& store, const AppState& s, const QString& section,
   return true;
 }
 
+void SaveOptionSection(SettingsStore& store, const AppState& s, const QString& section) {
+  SettingsStore::Batch batch(store);
+  for (const SettingKey& k : ScalarSettingKeys())
+    if (section == QLatin1String(k.section)) WriteSettingKey(store, k, s);
+}
+
 void SaveViewStyle(SettingsStore& store, const AppState& s) {
   WriteSetting(store, kConfig, QStringLiteral("ViewStyle"), s.ViewStyle);
 }

@@ -17,6 +17,9 @@ namespace aqx {
 bool SaveOption(SettingsStore& store, const AppState& s, const QString& section,
                 const QString& key);
 
+// Every key of one section, from the state (a window's options after one of
+// its events changed some of them); unchanged values cost no write.
+void SaveOptionSection(SettingsStore& store, const AppState& s, const QString& section);
 // SetViewStyle.
 void SaveViewStyle(SettingsStore& store, const AppState& s);
 // SelectActiveChannel: the Active key of one channel and FirstChannelActive.

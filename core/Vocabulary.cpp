@@ -1,5 +1,8 @@
 #include "core/Vocabulary.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace aqx {
 
 namespace {
@@ -136,6 +139,14 @@ BandLabelResult BandLabel(int scaleSpectr) {
     case 3: return {QStringLiteral("0-10кГц"), 37};
     default: return {};
   }
+}
+
+int32_t ColorBackBgr(const std::array<int32_t, 4>& parts) {
+  const double strength = std::clamp(parts[3], 0, 255) / 255.0;
+  auto mix = [strength](int32_t part) {
+    return static_cast<int>(std::lround(255.0 + (std::clamp(part, 0, 255) - 255.0) * strength));
+  };
+  return BgrWord(mix(parts[0]), mix(parts[1]), mix(parts[2]));
 }
 
 }  // namespace aqx

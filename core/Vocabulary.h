@@ -46,6 +46,11 @@ inline int BgrRed(int32_t w) { return w & 0xFF; }
 inline int BgrGreen(int32_t w) { return (w >> 8) & 0xFF; }
 inline int BgrBlue(int32_t w) { return (w >> 16) & 0xFF; }
 
+// A background colour set (mnuViewColorBack): a colour (parts 0..2, red,
+// green, blue) and its strength (part 3, 0..255) over white, as a
+// blue-green-red word.
+int32_t ColorBackBgr(const std::array<int32_t, 4>& parts);
+
 // Label of the spectrum band by ScaleSpectr 0..3 and the number of tick
 // positions of its frequency axis.
 struct BandLabelResult {

@@ -171,7 +171,6 @@ int RunRender(ToolContext& ctx) {
   }
   const int shown = ChooseChannel(s, *channel);
 
-  views::SignalViewOptions options;
   views::SignalViewState view;
   view.W = *width;
   view.H = *height;
@@ -179,15 +178,15 @@ int RunRender(ToolContext& ctx) {
   ShowStretch(s, view, *first, *last);
   auto analysis = std::make_unique<views::AnalysisResults>();
   views::AccountSignalMaxAll(s);
-  views::AccountChannelY0(s, options, view);
+  views::AccountChannelY0(s, view);
   views::SetY0(s, view);
 
   const ui::QtFontMetrics font(ui::DefaultViewFont());
   const views::FontMetrics& metrics = font.metrics();
-  const views::DrawList picture = views::BuildSignal(s, options, view, metrics);
+  const views::DrawList picture = views::BuildSignal(s, view, metrics);
   if (!SavePicture(picture, output)) return kExitFailure;
 
-  const views::SignalStatus status = views::OutInfoToStatusBar(s, options, view);
+  const views::SignalStatus status = views::OutInfoToStatusBar(s, view);
   Print(ctx.out, QStringLiteral("%1: %2 x %3, channel %4, samples %5 - %6 of %7\n")
                      .arg(output)
                      .arg(view.W)
@@ -203,9 +202,9 @@ int RunRender(ToolContext& ctx) {
   Print(ctx.out, status[views::SignalPanel::Window] + status[views::SignalPanel::Scale] +
                      status[views::SignalPanel::Dimension] + QLatin1Char('\n'));
   if (shown != 0) {
-    views::AccountChannelSpectrum(s, options, *analysis, shown);
+    views::AccountChannelSpectrum(s, *analysis, shown);
     views::AccountChannelProbeValues(s, *analysis);
-    const views::ParameterBar bar = views::OutStatusBarParameter(s, options, view, *analysis, view.W);
+    const views::ParameterBar bar = views::OutStatusBarParameter(s, view, *analysis, view.W);
     if (!bar.panels.empty()) Print(ctx.out, view.ChannelParameterText[shown] + QLatin1Char('\n'));
   }
   return kExitOk;

@@ -14,12 +14,12 @@ namespace {
 int ValidChannel(const AppState& s, int channel) { return std::clamp(channel, 1, ChannelCount(s)); }
 }  // namespace
 
-void AccountChannelSpectrum(AppState& s, const SignalViewOptions& o, AnalysisResults& r, int channel) {
+void AccountChannelSpectrum(AppState& s, AnalysisResults& r, int channel) {
   const int c = ValidChannel(s, channel);
   const int32_t flag = s.ViewOpenFlags[frmViewSpectr] ? -1 : 0;
   AccountSpectrFull(nullptr, nullptr, r.SpectrPhase.data(), r.SpectrReal.data(), r.SpectrAmplitude.data(),
                     s.SelectFirst, s.SelectLast, s.ViewFirst, s.ViewLast, kMaxSamples, s.SignalDataN,
-                    s.SignalData.data(), c, s.SignalOffset.data(), s.channels.Type.data(), o.StatusFilterConst ? 1 : 0,
+                    s.SignalData.data(), c, s.SignalOffset.data(), s.channels.Type.data(), s.options.parameters.StatusFilterConst ? 1 : 0,
                     s.BlockSizeFFT, &s.StepDesc, s.FreqDesc, &s.SpectrLineCount, &r.SpectrMax,
                     s.channels.Ku.data(), std::clamp(s.ShaftMarkCount, 0, kMaxShaftMarks), s.ShaftMarks.data(), flag);
   // The engine takes whole hertz; a coarse block of a continuous recording
@@ -48,8 +48,8 @@ void AccountChannelProbeValues(AppState& s, AnalysisResults& r) {
                r.SpectrAmplitude.data(), r.SpectrPhase.data(), r.SpectrReal.data());
 }
 
-void AccountChannelProbe(AppState& s, const SignalViewOptions& o, AnalysisResults& r, int channel) {
-  AccountChannelSpectrum(s, o, r, channel);
+void AccountChannelProbe(AppState& s, AnalysisResults& r, int channel) {
+  AccountChannelSpectrum(s, r, channel);
   AccountChannelVolumeField(s, r, channel);
   AccountChannelProbeValues(s, r);
 }
@@ -66,15 +66,15 @@ std::array<int32_t, 5> DetectorStretch(const AppState& s) {
   return {s.SignalDataN, s.ViewFirst, s.ViewLast, s.SelectFirst, s.SelectLast};
 }
 
-void InstallEngineSteps(ViewRegistry& registry, AppState& s, const SignalViewOptions& o, AnalysisResults& r) {
-  registry[RefreshStep::SpectrumFirst] = [&s, &o, &r] { AccountChannelSpectrum(s, o, r, s.FirstChannelActive); };
+void InstallEngineSteps(ViewRegistry& registry, AppState& s, AnalysisResults& r) {
+  registry[RefreshStep::SpectrumFirst] = [&s, &r] { AccountChannelSpectrum(s, r, s.FirstChannelActive); };
   // The trajectory's second channel; its spectrum replaces the first's in
   // the arrays, as it always has.
-  registry[RefreshStep::SpectrumNext] = [&s, &o, &r] { AccountChannelSpectrum(s, o, r, s.FirstChannelActive + 1); };
+  registry[RefreshStep::SpectrumNext] = [&s, &r] { AccountChannelSpectrum(s, r, s.FirstChannelActive + 1); };
   registry[RefreshStep::Probe] = [&s, &r] { AccountChannelProbeValues(s, r); };
   registry[RefreshStep::SignalMax] = [&s] { AccountSignalMaxAll(s); };
-  registry[RefreshStep::Otmetchick] = [&s, &o, &r] {
-    r.speed = RunOtmetchick(s, o);
+  registry[RefreshStep::Otmetchick] = [&s, &r] {
+    r.speed = RunOtmetchick(s);
     r.speedStretch = DetectorStretch(s);
   };
 }

@@ -46,18 +46,18 @@ std::array<int32_t, 5> DetectorStretch(const AppState& s);
 
 // AccountChannelSpectrum: the spectrum of a channel over the stretch in
 // force; rewrites StepDesc and SpectrLineCount.
-void AccountChannelSpectrum(AppState& s, const SignalViewOptions& o, AnalysisResults& r, int channel);
+void AccountChannelSpectrum(AppState& s, AnalysisResults& r, int channel);
 // AccountVolumeField for a channel, after its spectrum.
 void AccountChannelVolumeField(AppState& s, AnalysisResults& r, int channel);
 // AccountProbe of FirstChannelActive on the spectrum in the arrays.
 void AccountChannelProbeValues(AppState& s, AnalysisResults& r);
 // AccountChannelProbe: spectrum, band levels, probe values of a channel.
-void AccountChannelProbe(AppState& s, const SignalViewOptions& o, AnalysisResults& r, int channel);
+void AccountChannelProbe(AppState& s, AnalysisResults& r, int channel);
 // AccountSignalMax over ViewFirst..ViewLast for every channel in use.
 void AccountSignalMaxAll(AppState& s);
 
 // Fills the engine steps of ViewRefresh (spectra, probe, peak values, shaft
 // marker detector). The references must outlive the registry's use.
-void InstallEngineSteps(ViewRegistry& registry, AppState& s, const SignalViewOptions& o, AnalysisResults& r);
+void InstallEngineSteps(ViewRegistry& registry, AppState& s, AnalysisResults& r);
 
 }  // namespace aqx::views

@@ -102,13 +102,12 @@ TEST(SignalViewImage, StaircaseWithGridsMarkersAndSelection) {
   s->FreqRotorN = 2400;  // a mark each 25 samples at 1000 Hz
   s->SelectFirst = 40;
   s->SelectLast = 60;
-  SignalViewOptions o;
-  o.AutoY0 = false;
-  o.LineCenter = true;
-  o.OtmetchickAuto = 0;
-  o.OtmetchickLevel = 1500;
+  s->options.parameters.AutoY0 = false;
+  s->options.signal.LineCenter = true;
+  s->options.otmetchick.OtmetchickAuto = 0;
+  s->options.otmetchick.OtmetchickLevel = 1500;
   SignalViewState v = View(*s, 400, 200);
-  const DrawList list = BuildSignal(*s, o, v, ui::QtFontMetrics(ui::DefaultViewFont()).metrics());
+  const DrawList list = BuildSignal(*s, v, ui::QtFontMetrics(ui::DefaultViewFont()).metrics());
   ExpectLooksLike(list, "staircase");
 }
 
@@ -117,10 +116,9 @@ TEST(SignalViewImage, LongRecordThinnedKeepsItsPeak) {
   for (int i = 1; i <= 32768; ++i)
     s->SignalData.at(i, 1) = static_cast<int16_t>(std::lround(40 * std::sin(2 * std::numbers::pi * i / 3000.0)));
   s->SignalData.at(20000, 1) = 95;
-  SignalViewOptions o;
-  o.AutoY0 = false;
+  s->options.parameters.AutoY0 = false;
   SignalViewState v = View(*s, 400, 200);
-  const DrawList list = BuildSignal(*s, o, v, ui::QtFontMetrics(ui::DefaultViewFont()).metrics());
+  const DrawList list = BuildSignal(*s, v, ui::QtFontMetrics(ui::DefaultViewFont()).metrics());
   ExpectLooksLike(list, "thinned");
 }
 
@@ -136,11 +134,10 @@ TEST(SignalViewImage, ImposedChannelsInBands) {
   }
   RecountChannelUsedCount(*s);
   s->Imposition = true;
-  SignalViewOptions o;
   SignalViewState v = View(*s, 400, 300);
   for (int c = 1; c <= 3; ++c) s->SignalMaxValue[c] = 30 * c;
-  AccountChannelY0(*s, o, v);
-  const DrawList list = BuildSignal(*s, o, v, ui::QtFontMetrics(ui::DefaultViewFont()).metrics());
+  AccountChannelY0(*s, v);
+  const DrawList list = BuildSignal(*s, v, ui::QtFontMetrics(ui::DefaultViewFont()).metrics());
   ExpectLooksLike(list, "imposition");
 }
 

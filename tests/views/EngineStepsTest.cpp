@@ -35,11 +35,11 @@ std::unique_ptr<AppState> Unit(int samples) {
 
 TEST(EngineSteps, MarkerLinesStandWhereTheDetectorFoundThePulses) {
   auto s = Unit(1000);
-  SignalViewOptions o = TestOptions();
-  o.OtmetchickAuto = 0;
-  o.OtmetchickLevel = 2000;
+  SetTestOptions(*s);
+  s->options.otmetchick.OtmetchickAuto = 0;
+  s->options.otmetchick.OtmetchickLevel = 2000;
   SignalViewState v = ViewOf(*s, 500, 100);  // half a pixel per sample
-  const DrawList list = BuildSignal(*s, o, v, FontMetrics{});
+  const DrawList list = BuildSignal(*s, v, FontMetrics{});
   ASSERT_EQ(s->ShaftMarkCount, 4);
   const auto lines = LinesOf(list, kMarkerLine);
   ASSERT_EQ(lines.size(), 4u);
@@ -52,14 +52,14 @@ TEST(EngineSteps, RefreshDeliversPictureStatusAndParameterBar) {
   auto s = Unit(32768);
   s->ViewOpenFlags[frmViewSignal] = true;
   s->channels.Type[1] = 1;  // vibration: five panels
-  SignalViewOptions o = TestOptions();
-  o.AutoY0 = true;
+  SetTestOptions(*s);
+  s->options.parameters.AutoY0 = true;
   SignalViewState v = ViewOf(*s, 640, 200);
   auto r = std::make_unique<AnalysisResults>();
   ViewRegistry registry;
   registry.runOn = true;
   registry.signalStatusBarParameter = true;
-  InstallEngineSteps(registry, *s, o, *r);
+  InstallEngineSteps(registry, *s, *r);
   int pictures = 0;
   ParameterBar shownBar;
   SignalStatus shownStatus;
@@ -71,7 +71,7 @@ TEST(EngineSteps, RefreshDeliversPictureStatusAndParameterBar) {
   hooks.showStatus = [&](SignalStatus&& st) { shownStatus = std::move(st); };
   hooks.showParameterBar = [&](ParameterBar&& bar) { shownBar = std::move(bar); };
   hooks.parameterBarWidthPx = [] { return 500; };
-  InstallSignalView(registry, *s, o, v, *r, std::move(hooks));
+  InstallSignalView(registry, *s, v, *r, std::move(hooks));
 
   ViewRefresh(*s, registry);
   EXPECT_EQ(pictures, 1);
@@ -91,16 +91,15 @@ TEST(EngineSteps, RefreshDeliversPictureStatusAndParameterBar) {
 
 TEST(EngineSteps, ParameterWindowReadsByTheChannelsKind) {
   auto s = Unit(4000);
-  SignalViewOptions o;
-  o.OtmetchickAuto = 0;
-  o.OtmetchickLevel = 2000;
+  s->options.otmetchick.OtmetchickAuto = 0;
+  s->options.otmetchick.OtmetchickLevel = 2000;
   auto r = std::make_unique<AnalysisResults>();
   s->FirstChannelActive = 2;
-  const QString speed = OutDataParameters(*s, o, *r);
+  const QString speed = OutDataParameters(*s, *r);
   EXPECT_TRUE(speed.contains(QStringLiteral(" об/мин (100%) "))) << speed.toStdString();
   s->FirstChannelActive = 1;
   s->channels.Type[1] = 5;  // voltage: the peak in millivolts
-  EXPECT_EQ(OutDataParameters(*s, o, *r), FormatStandard(400) + QStringLiteral(" мВ"));
+  EXPECT_EQ(OutDataParameters(*s, *r), FormatStandard(400) + QStringLiteral(" мВ"));
 }
 
 TEST(EngineSteps, NoRecordingAtAllStillRefreshes) {
@@ -109,16 +108,15 @@ TEST(EngineSteps, NoRecordingAtAllStillRefreshes) {
   RecountChannelUsedCount(*s);
   s->FirstChannelActive = 0;
   for (int w = 0; w < kViewWindowCount; ++w) s->ViewOpenFlags[static_cast<size_t>(w)] = true;
-  SignalViewOptions o;
   SignalViewState v = ViewOf(*s, 300, 200);
   auto r = std::make_unique<AnalysisResults>();
   ViewRegistry registry;
   registry.signalStatusBarParameter = true;
   registry.parametersOpen = true;
-  InstallEngineSteps(registry, *s, o, *r);
+  InstallEngineSteps(registry, *s, *r);
   QString line = QStringLiteral("unset");
-  registry[RefreshStep::ParametersOutData] = [&] { line = OutDataParameters(*s, o, *r); };
-  InstallSignalView(registry, *s, o, v, *r, SignalWindowHooks{});
+  registry[RefreshStep::ParametersOutData] = [&] { line = OutDataParameters(*s, *r); };
+  InstallSignalView(registry, *s, v, *r, SignalWindowHooks{});
   ViewRefresh(*s, registry);
   ViewRefreshCheap(*s, registry);
   EXPECT_NE(line, QStringLiteral("unset"));

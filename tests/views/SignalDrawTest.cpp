@@ -16,21 +16,21 @@ using namespace testing_views;
 constexpr int kW = 200;
 constexpr int kH = 100;
 
-DrawList Draw(AppState& s, const SignalViewOptions& o, SignalViewState& v) { return DrawSignal(s, o, v, FontMetrics{}); }
+DrawList Draw(AppState& s, SignalViewState& v) { return PrepareAndDraw(s, v, FontMetrics{}); }
 
 // 100 samples over 200 pixels: two pixels per sample, the staircase branch.
 struct DcRecording : ::testing::Test {
   std::unique_ptr<AppState> s = MakeState(100);
-  SignalViewOptions o = TestOptions();
   SignalViewState v;
   void SetUp() override {
+    SetTestOptions(*s);
     for (int i = 1; i <= 100; ++i) s->SignalData.at(i, 1) = 40;
     v = ViewOf(*s, kW, kH);
   }
 };
 
 TEST_F(DcRecording, StaircaseDrawsTheFirstSampleAtOneAndAQuarterTimesTheScale) {
-  const DrawList list = Draw(*s, o, v);
+  const DrawList list = Draw(*s, v);
   const auto traces = TracesOf(list);
   ASSERT_EQ(traces.size(), 1u);
   const Polyline& t = traces[0];
@@ -51,27 +51,27 @@ TEST_F(DcRecording, StaircaseTakesOneSamplePastTheViewWhenTheStoreHasIt) {
   v.CentreSample = 25;
   ConfigSliderH(*s, v);  // samples 1..50 in view
   ASSERT_EQ(s->ViewLast, 50);
-  const Polyline t = TracesOf(Draw(*s, o, v))[0];
+  const Polyline t = TracesOf(Draw(*s, v))[0];
   EXPECT_EQ(t.xs.size(), 2u + 2u * 50u);  // samples 2..51
 }
 
 TEST_F(DcRecording, ZeroLineAtTheCurrentChannelsZeroAndUnplacedAtMidHeight) {
   s->channels.ChannelY[1] = kChannelUnplaced;
-  Draw(*s, o, v);
+  Draw(*s, v);
   EXPECT_EQ(s->channels.ChannelY[1], 50);
   s->channels.ChannelY[1] = 37;
-  const auto zero = LinesOf(Draw(*s, o, v), kZero);
+  const auto zero = LinesOf(Draw(*s, v), kZero);
   ASSERT_EQ(zero.size(), 1u);
   EXPECT_EQ(std::vector<int>({zero[0].x1, zero[0].y1, zero[0].x2, zero[0].y2}), (std::vector<int>{0, 37, kW, 37}));
-  o.LineZero = false;
-  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kZero).empty());
+  s->options.signal.LineZero = false;
+  EXPECT_TRUE(LinesOf(Draw(*s, v), kZero).empty());
 }
 
 TEST_F(DcRecording, TimeGridStepsByTheNiceStepFromTheScrollPosition) {
-  o.ScaleY = false;
+  s->options.signal.ScaleY = false;
   FontMetrics narrow;
   narrow.charWidth = 1;
-  const DrawList list = DrawSignal(*s, o, v, narrow);
+  const DrawList list = PrepareAndDraw(*s, v, narrow);
   // 0.1 s in view gives 0.01 s ticks, 20 px apart, the first one pixel left
   // of sample 1.
   std::vector<Line> grid = LinesOf(list, kGrid);
@@ -93,9 +93,9 @@ TEST_F(DcRecording, TimeGridStepsByTheNiceStepFromTheScrollPosition) {
 }
 
 TEST_F(DcRecording, TimeLabelsThatWouldOverlapAreLeftOutButTheirTicksStay) {
-  o.ScaleY = false;
+  s->options.signal.ScaleY = false;
   const FontMetrics fm;  // 7 px a character: "0:00:00.010" needs 77 px
-  const DrawList list = DrawSignal(*s, o, v, fm);
+  const DrawList list = PrepareAndDraw(*s, v, fm);
   EXPECT_EQ(LinesOf(list, kGrid).size(), 11u);
   const auto labels = ItemsOf<Text>(list);
   ASSERT_GE(labels.size(), 2u);
@@ -104,8 +104,8 @@ TEST_F(DcRecording, TimeLabelsThatWouldOverlapAreLeftOutButTheirTicksStay) {
 }
 
 TEST_F(DcRecording, LevelGridStepsATenthOfTheHeightAndAFifthOfTheScale) {
-  o.ScaleX = false;
-  const DrawList list = Draw(*s, o, v);
+  s->options.signal.ScaleX = false;
+  const DrawList list = Draw(*s, v);
   std::vector<int> ys;
   for (const Line& l : LinesOf(list, kGrid)) ys.push_back(l.y1);
   EXPECT_EQ(ys, (std::vector<int>{40, 30, 20, 10, 0, 60, 70, 80, 90, 100}));
@@ -113,7 +113,7 @@ TEST_F(DcRecording, LevelGridStepsATenthOfTheHeightAndAFifthOfTheScale) {
   for (const Text& t : ItemsOf<Text>(list)) labels.push_back(t.utf8);
   EXPECT_EQ(labels, (std::vector<std::string>{"20", "40", "60", "80", "100", "-20", "-40", "-60", "-80", "-100"}));
   s->channels.ChannelYm[1] = 10000;  // shown in millimetres: labels divide by the unit
-  EXPECT_EQ(ItemsOf<Text>(Draw(*s, o, v)).front().utf8, "2");
+  EXPECT_EQ(ItemsOf<Text>(Draw(*s, v)).front().utf8, "2");
   EXPECT_EQ(s->UnitName, QStringLiteral("мм"));
 }
 
@@ -122,28 +122,28 @@ TEST_F(DcRecording, ShaftMarkerLinesAtEachPulseOnlyWithAMarkerChannel) {
   s->ShaftMarks[0] = 11;
   s->ShaftMarks[1] = 51;
   s->ShaftMarks[2] = 500;  // beyond the view
-  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kMarkerLine).empty());
+  EXPECT_TRUE(LinesOf(Draw(*s, v), kMarkerLine).empty());
   EXPECT_FALSE(v.FreqRotorVisible);
   s->channels.Channel[2] = 1;
   s->channels.Type[2] = 3;
   v.speed = RotorSpeed{83.3, 83.3, 100, 100};
-  const auto lines = LinesOf(Draw(*s, o, v), kMarkerLine);
+  const auto lines = LinesOf(Draw(*s, v), kMarkerLine);
   ASSERT_EQ(lines.size(), 2u);
   EXPECT_EQ(lines[0].x1, 20);
   EXPECT_EQ(lines[1].x1, 100);
   EXPECT_TRUE(v.FreqRotorVisible);
   EXPECT_EQ(v.RotorSpeedText, RotorSpeedText(v.speed));
-  o.OtmetchickLine = false;
-  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kMarkerLine).empty());
+  s->options.signal.OtmetchickLine = false;
+  EXPECT_TRUE(LinesOf(Draw(*s, v), kMarkerLine).empty());
 }
 
 TEST_F(DcRecording, ThresholdLineOfTheShownMarkerChannel) {
   s->channels.Type[1] = 3;
-  o.OtmetchickAuto = 0;
-  o.OtmetchickLevel = 50;  // 50 units at 0.5 px per unit
+  s->options.otmetchick.OtmetchickAuto = 0;
+  s->options.otmetchick.OtmetchickLevel = 50;  // 50 units at 0.5 px per unit
   s->InputMode = 3;
   s->SynchroAdPorog = 20;
-  const DrawList list = Draw(*s, o, v);
+  const DrawList list = Draw(*s, v);
   const auto porog = LinesOf(list, kPorog);
   ASSERT_EQ(porog.size(), 1u);
   EXPECT_EQ(porog[0].y1, 25);
@@ -176,7 +176,7 @@ TEST_F(DcRecording, UserMarkerExactlyAtEitherEdgeIsNotDrawn) {
     s->markers.MarkerRemark[static_cast<size_t>(i)] = QStringLiteral("Пуск");
     s->markers.MarkerShift[static_cast<size_t>(i)] = 15;
   }
-  const DrawList list = Draw(*s, o, v);
+  const DrawList list = Draw(*s, v);
   const auto lines = LinesOf(list, 0x123456);
   ASSERT_EQ(lines.size(), 1u);
   EXPECT_EQ(lines[0].x1, 20);
@@ -194,23 +194,23 @@ TEST_F(DcRecording, UserMarkerExactlyAtEitherEdgeIsNotDrawn) {
 TEST_F(DcRecording, BeginPointOnlyForRunOutWithoutOffsetAndConstantFilter) {
   s->channels.Type[1] = 0;
   s->channels.KS[1] = 20;  // 20 codes: 20 units, 10 px above the zero line
-  o.BeginPoint = true;
-  o.StatusFilterConst = false;
-  auto bp = LinesOf(Draw(*s, o, v), kBeginPoint);
+  s->options.signal.BeginPoint = true;
+  s->options.parameters.StatusFilterConst = false;
+  auto bp = LinesOf(Draw(*s, v), kBeginPoint);
   ASSERT_EQ(bp.size(), 1u);
   EXPECT_EQ(bp[0].y1, 40);
   EXPECT_EQ(bp[0].pen.dash, DashStyle::Dash);
   s->AccountOffset = true;
-  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kBeginPoint).empty());
+  EXPECT_TRUE(LinesOf(Draw(*s, v), kBeginPoint).empty());
   s->AccountOffset = false;
-  o.StatusFilterConst = true;
-  EXPECT_TRUE(LinesOf(Draw(*s, o, v), kBeginPoint).empty());
+  s->options.parameters.StatusFilterConst = true;
+  EXPECT_TRUE(LinesOf(Draw(*s, v), kBeginPoint).empty());
 }
 
 TEST_F(DcRecording, SelectionIsAnInvertedFullHeightBoxOrALineWhenNarrow) {
   s->SelectFirst = 21;
   s->SelectLast = 61;
-  auto boxes = ItemsOf<Rect>(Draw(*s, o, v));
+  auto boxes = ItemsOf<Rect>(Draw(*s, v));
   ASSERT_EQ(boxes.size(), 2u);  // the selection, then the frame
   EXPECT_TRUE(boxes[0].pen.xorMode && boxes[0].filled);
   // 20 * 200 / 99 and 60 * 200 / 99, full height.
@@ -220,7 +220,7 @@ TEST_F(DcRecording, SelectionIsAnInvertedFullHeightBoxOrALineWhenNarrow) {
   EXPECT_EQ(boxes[1].right, kW);
 
   s->SelectLast = 21;
-  const DrawList narrow = Draw(*s, o, v);
+  const DrawList narrow = Draw(*s, v);
   EXPECT_EQ(ItemsOf<Rect>(narrow).size(), 1u);
   const auto inverted = LinesOf(narrow, 0xFFFFFF);
   ASSERT_EQ(inverted.size(), 1u);
@@ -230,21 +230,21 @@ TEST_F(DcRecording, SelectionIsAnInvertedFullHeightBoxOrALineWhenNarrow) {
 
 TEST_F(DcRecording, PictureBelowFiftyPixelsIsNotDrawn) {
   v.W = 49;
-  EXPECT_TRUE(Draw(*s, o, v).items.empty());
+  EXPECT_TRUE(Draw(*s, v).items.empty());
   v.W = kW;
   v.H = 10;
-  EXPECT_TRUE(Draw(*s, o, v).items.empty());
+  EXPECT_TRUE(Draw(*s, v).items.empty());
   v.H = 0;
   v.W = 0;
-  EXPECT_TRUE(BuildSignal(*s, o, v, FontMetrics{}).items.empty());
+  EXPECT_TRUE(BuildSignal(*s, v, FontMetrics{}).items.empty());
 }
 
 TEST(SignalThinning, ALongRecordKeepsItsOneSamplePeak) {
   auto s = MakeState(32768, 50, 1000);
   s->SignalData.at(10000, 1) = 1000;  // 1000 units: half the picture's height
-  SignalViewOptions o = TestOptions();
+  SetTestOptions(*s);
   SignalViewState v = ViewOf(*s, 400, 100);
-  const Polyline t = TracesOf(DrawSignal(*s, o, v, FontMetrics{}))[0];
+  const Polyline t = TracesOf(PrepareAndDraw(*s, v, FontMetrics{}))[0];
   ASSERT_LT(v.PixelsPerSample, 1.0);
   ASSERT_EQ(t.xs.size(), 2u * 400u + 1u);
   const auto top = std::min_element(t.ys.begin(), t.ys.end());
@@ -257,9 +257,9 @@ TEST(SignalThinning, ALongRecordKeepsItsOneSamplePeak) {
 TEST(SignalThinning, NyquistSignalFillsTheBandBetweenItsExtremes) {
   auto s = MakeState(32768, 50, 100);
   for (int i = 1; i <= 32768; ++i) s->SignalData.at(i, 1) = (i % 2) ? 50 : -50;
-  SignalViewOptions o = TestOptions();
+  SetTestOptions(*s);
   SignalViewState v = ViewOf(*s, 400, 100);
-  const Polyline t = TracesOf(DrawSignal(*s, o, v, FontMetrics{}))[0];
+  const Polyline t = TracesOf(PrepareAndDraw(*s, v, FontMetrics{}))[0];
   for (size_t i = 1; i < t.xs.size(); i += 2) {
     EXPECT_EQ(t.ys[i], 25) << "column " << t.xs[i];
     EXPECT_EQ(t.ys[i + 1], 75) << "column " << t.xs[i];
@@ -276,15 +276,15 @@ TEST(SignalImposition, ChannelsShareTheHeightInBandsWithAutoScales) {
     for (int i = 1; i <= 100; ++i) s->SignalData.at(i, c) = 0;
   }
   s->Imposition = true;
-  SignalViewOptions o = TestOptions();
-  o.AutoY0 = true;
+  SetTestOptions(*s);
+  s->options.parameters.AutoY0 = true;
   SignalViewState v = ViewOf(*s, kW, kH);
-  AccountChannelY0(*s, o, v);
+  AccountChannelY0(*s, v);
   EXPECT_EQ(s->channels.ChannelY[1], 17);
   EXPECT_EQ(s->channels.ChannelY[2], 50);
   EXPECT_EQ(s->channels.ChannelY[3], 83);
   for (int c = 1; c <= 3; ++c) EXPECT_EQ(s->channels.ChannelYm[c], 150);
-  const auto traces = TracesOf(DrawSignal(*s, o, v, FontMetrics{}));
+  const auto traces = TracesOf(PrepareAndDraw(*s, v, FontMetrics{}));
   ASSERT_EQ(traces.size(), 3u);
   EXPECT_EQ(traces[0].ys[0], 17);  // code 0 sits on each band's zero line
   EXPECT_EQ(traces[1].ys[0], 50);
@@ -297,11 +297,11 @@ TEST(SignalEdges, NoChannelInUseDrawsTheFrameAndNoTrace) {
   s->channels.Channel[1] = 0;
   s->channels.Active[1] = 0;
   RecountChannelUsedCount(*s);
-  SignalViewOptions o = TestOptions();
-  o.AutoY0 = true;
+  SetTestOptions(*s);
+  s->options.parameters.AutoY0 = true;
   SignalViewState v = ViewOf(*s, kW, kH);
-  AccountChannelY0(*s, o, v);
-  const DrawList list = BuildSignal(*s, o, v, FontMetrics{});
+  AccountChannelY0(*s, v);
+  const DrawList list = BuildSignal(*s, v, FontMetrics{});
   EXPECT_TRUE(TracesOf(list).empty());
   EXPECT_FALSE(ItemsOf<Rect>(list).empty());
 }
@@ -316,21 +316,21 @@ TEST(SignalEdges, EveryChannelInUseAndShownOnTheLargestStore) {
   }
   s->SignalData.at(kMaxSamples, 32) = 8191;
   RecountChannelUsedCount(*s);
-  SignalViewOptions o = TestOptions();
-  o.AutoY0 = true;
+  SetTestOptions(*s);
+  s->options.parameters.AutoY0 = true;
   SignalViewState v = ViewOf(*s, 640, 480);
-  AccountChannelY0(*s, o, v);
-  EXPECT_EQ(TracesOf(BuildSignal(*s, o, v, FontMetrics{})).size(), 32u);
+  AccountChannelY0(*s, v);
+  EXPECT_EQ(TracesOf(BuildSignal(*s, v, FontMetrics{})).size(), 32u);
   s->ChannelDifferential = 1;
-  EXPECT_EQ(TracesOf(BuildSignal(*s, o, v, FontMetrics{})).size(), 16u);
+  EXPECT_EQ(TracesOf(BuildSignal(*s, v, FontMetrics{})).size(), 16u);
 }
 
 TEST(SignalEdges, OneSampleAndAOneSampleView) {
   auto s = MakeState(1);
   s->SignalData.at(1, 1) = 8;
-  SignalViewOptions o = TestOptions();
+  SetTestOptions(*s);
   SignalViewState v = ViewOf(*s, kW, kH);
-  const Polyline t = TracesOf(BuildSignal(*s, o, v, FontMetrics{}))[0];
+  const Polyline t = TracesOf(BuildSignal(*s, v, FontMetrics{}))[0];
   EXPECT_EQ(t.xs, (std::vector<int>{0, 100}));
   EXPECT_EQ(t.ys, (std::vector<int>{46, 46}));
 
@@ -341,17 +341,17 @@ TEST(SignalEdges, OneSampleAndAOneSampleView) {
   ConfigSliderH(*big, deep);
   big->ViewLast = big->ViewFirst;  // one sample in view
   big->SelectFirst = big->SelectLast = big->ViewFirst;
-  EXPECT_FALSE(BuildSignal(*big, o, deep, FontMetrics{}).items.empty());
+  EXPECT_FALSE(BuildSignal(*big, deep, FontMetrics{}).items.empty());
 }
 
 TEST(SignalEdges, TenHoursInViewEndsThePictureAtTheTimeGrid) {
   auto s = MakeState(kMaxSamples);
   s->FreqDesc = 20;  // 52428 s in view
-  SignalViewOptions o = TestOptions();
+  SetTestOptions(*s);
   SignalViewState v = ViewOf(*s, kW, kH);
-  EXPECT_TRUE(TracesOf(DrawSignal(*s, o, v, FontMetrics{})).empty());
-  o.ScaleX = false;
-  EXPECT_EQ(TracesOf(DrawSignal(*s, o, v, FontMetrics{})).size(), 1u);
+  EXPECT_TRUE(TracesOf(PrepareAndDraw(*s, v, FontMetrics{})).empty());
+  s->options.signal.ScaleX = false;
+  EXPECT_EQ(TracesOf(PrepareAndDraw(*s, v, FontMetrics{})).size(), 1u);
 }
 
 }  // namespace

@@ -122,16 +122,15 @@ TEST(TimeTexts, MillisecondsOnlyWhenNotZero) {
 TEST(TimeTexts, RealTimeAddsTheRecordingStartAndSolidBlocksTheirPlace) {
   auto s = MakeState(1000);
   s->object.RecordDate = DateTimeToOle(QDateTime(QDate(2020, 5, 1), QTime(10, 0, 0)));
-  SignalViewOptions o;
-  EXPECT_DOUBLE_EQ(SampleSeconds(*s, o, 500), 0.5);
-  o.ViewRealTime = true;
-  EXPECT_DOUBLE_EQ(SampleSeconds(*s, o, 500), 36000.5);
-  o.ViewRealTime = false;
+  EXPECT_DOUBLE_EQ(SampleSeconds(*s, 500), 0.5);
+  s->options.parameters.ViewRealTime = true;
+  EXPECT_DOUBLE_EQ(SampleSeconds(*s, 500), 36000.5);
+  s->options.parameters.ViewRealTime = false;
   s->SolidMode = true;
   s->SolidBlockN = 3;
   s->FreqADC = 32000;
   s->ChannelUsedCount = 2;  // 16000 rows a second: a block lasts 65.536 s
-  EXPECT_DOUBLE_EQ(SampleSeconds(*s, o, 0), 131.0);
+  EXPECT_DOUBLE_EQ(SampleSeconds(*s, 0), 131.0);
 }
 
 }  // namespace

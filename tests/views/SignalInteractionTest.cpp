@@ -15,21 +15,21 @@ constexpr int kH = 100;
 
 struct Interaction : ::testing::Test {
   std::unique_ptr<AppState> s = MakeState(100);
-  SignalViewOptions o = TestOptions();
   SignalViewState v;
   void SetUp() override {
+    SetTestOptions(*s);
     for (int i = 1; i <= 100; ++i) s->SignalData.at(i, 1) = static_cast<int16_t>(i);
     v = ViewOf(*s, kW, kH);
-    DrawSignal(*s, o, v, FontMetrics{});
+    PrepareAndDraw(*s, v, FontMetrics{});
   }
 };
 
 TEST_F(Interaction, SelectionDraggedRightToLeftIsStoredWithBeginBelowEnd) {
-  o.Cursor = SignalCursor::Free;
-  MouseMove(*s, o, v, 150, 20, false);  // the cross-hair, the anchor
+  SetCursorSetting(*s, SignalCursor::Free);
+  MouseMove(*s, v, 150, 20, false);  // the cross-hair, the anchor
   ASSERT_EQ(v.CursorX, 150);
-  MouseDown(*s, o, v, MouseButton::Left, 150, 20);
-  const SignalAction a = MouseMove(*s, o, v, 50, 20, true);
+  MouseDown(*s, v, MouseButton::Left, 150, 20);
+  const SignalAction a = MouseMove(*s, v, 50, 20, true);
   EXPECT_TRUE(a.cheapRefresh);
   EXPECT_TRUE(a.redraw);
   EXPECT_EQ(s->SelectFirst, 26);  // 1 + 99 * 50 / 200 = 25.75
@@ -37,77 +37,77 @@ TEST_F(Interaction, SelectionDraggedRightToLeftIsStoredWithBeginBelowEnd) {
   EXPECT_EQ(v.CentreSample, 50);  // 50.5 to even
   EXPECT_TRUE(v.CursorValueText.isEmpty());
   // The anchor survives the redraw that follows each move.
-  DrawSignal(*s, o, v, FontMetrics{});
+  PrepareAndDraw(*s, v, FontMetrics{});
   EXPECT_EQ(v.CursorX, 150);
-  MouseUp(*s, o, v);
-  DrawSignal(*s, o, v, FontMetrics{});
+  MouseUp(*s, v);
+  PrepareAndDraw(*s, v, FontMetrics{});
   EXPECT_EQ(v.CursorX, -1);
   EXPECT_EQ(s->SelectFirst, 26);
 }
 
 TEST_F(Interaction, SelectionDraggedPastThePictureIsHeldToTheView) {
-  o.Cursor = SignalCursor::Bound;
-  MouseMove(*s, o, v, 100, 20, false);
-  MouseDown(*s, o, v, MouseButton::Left, 100, 20);
-  MouseMove(*s, o, v, 400, 20, true);
+  SetCursorSetting(*s, SignalCursor::Bound);
+  MouseMove(*s, v, 100, 20, false);
+  MouseDown(*s, v, MouseButton::Left, 100, 20);
+  MouseMove(*s, v, 400, 20, true);
   EXPECT_EQ(s->SelectLast, s->ViewLast);
   EXPECT_EQ(v.SelectSaveLast, 199);  // kept before holding
-  MouseMove(*s, o, v, -30, 20, true);
+  MouseMove(*s, v, -30, 20, true);
   EXPECT_EQ(s->SelectFirst, s->ViewFirst);
 }
 
 TEST_F(Interaction, WithoutCursorALeftClickClearsTheSelectionAndADragPans) {
   s->SelectFirst = 10;
   s->SelectLast = 20;
-  SignalAction a = MouseDown(*s, o, v, MouseButton::Left, 100, 50);
+  SignalAction a = MouseDown(*s, v, MouseButton::Left, 100, 50);
   EXPECT_EQ(s->SelectFirst, 0);
   EXPECT_EQ(s->SelectLast, 0);
   EXPECT_TRUE(a.cheapRefresh);
   // At zoom 1:1 there is nothing to pan.
-  a = MouseMove(*s, o, v, 60, 50, true);
+  a = MouseMove(*s, v, 60, 50, true);
   EXPECT_FALSE(a.redraw);
   EXPECT_EQ(s->ViewFirst, 1);
 
   SliderHChanged(*s, v, 1, false);  // half the store in view
-  DrawSignal(*s, o, v, FontMetrics{});
+  PrepareAndDraw(*s, v, FontMetrics{});
   const int before = v.HScroll1;
-  MouseDown(*s, o, v, MouseButton::Left, 100, 50);
-  a = MouseMove(*s, o, v, 80, 55, true);  // 20 px left: 5 samples later
+  MouseDown(*s, v, MouseButton::Left, 100, 50);
+  a = MouseMove(*s, v, 80, 55, true);  // 20 px left: 5 samples later
   EXPECT_TRUE(a.redraw);
   EXPECT_EQ(v.HScroll1, before + 5);
   EXPECT_EQ(s->ViewFirst, (before + 5) * v.ScrollStep);
   EXPECT_EQ(s->channels.ChannelY[1], 55);  // the zero line follows down
   EXPECT_EQ(v.DragX, 80);
-  MouseUp(*s, o, v);
+  MouseUp(*s, v);
   EXPECT_EQ(v.DragX, -1);
 }
 
 TEST_F(Interaction, PanningUpwardPastTheBarWidensItsRangeWithin16Bits) {
   SliderHChanged(*s, v, 1, false);
-  DrawSignal(*s, o, v, FontMetrics{});
-  MouseDown(*s, o, v, MouseButton::Left, 100, 90);
-  MouseMove(*s, o, v, 100, 0, true);
+  PrepareAndDraw(*s, v, FontMetrics{});
+  MouseDown(*s, v, MouseButton::Left, 100, 90);
+  MouseMove(*s, v, 100, 0, true);
   EXPECT_EQ(s->channels.ChannelY[1], -40);
   EXPECT_EQ(v.VScrollMin, -40);
   v.VScroll1 = 32760;
   v.VScrollMax = 32760;
   s->channels.ChannelY[1] = 32760;
-  MouseDown(*s, o, v, MouseButton::Left, 100, 0);
-  MouseMove(*s, o, v, 100, 90, true);
+  MouseDown(*s, v, MouseButton::Left, 100, 0);
+  MouseMove(*s, v, 100, 90, true);
   EXPECT_EQ(s->channels.ChannelY[1], 32760);  // not applied past 32767
 }
 
 TEST_F(Interaction, FreeCursorReadsTheHeightBoundCursorTheSample) {
-  o.Cursor = SignalCursor::Free;
-  SignalAction a = MouseMove(*s, o, v, 20, 30, false);
+  SetCursorSetting(*s, SignalCursor::Free);
+  SignalAction a = MouseMove(*s, v, 20, 30, false);
   EXPECT_TRUE(a.crosshair);
   EXPECT_EQ(v.CursorSample, 11);
   EXPECT_EQ(v.CursorY, 30);
   // 20 px above the zero line at 0.5 px per unit.
   EXPECT_EQ(v.CursorValueText, QStringLiteral("40 мкм"));
 
-  o.Cursor = SignalCursor::Bound;
-  MouseMove(*s, o, v, 20, 90, false);
+  SetCursorSetting(*s, SignalCursor::Bound);
+  MouseMove(*s, v, 20, 90, false);
   // Sample 11 holds code 11: 11 units, 5.5 px above the zero line.
   EXPECT_EQ(v.CursorValueText, QStringLiteral("11 мкм"));
   EXPECT_EQ(v.CursorY, 44);
@@ -118,11 +118,11 @@ TEST_F(Interaction, FreeCursorReadsTheHeightBoundCursorTheSample) {
 }
 
 TEST_F(Interaction, CursorOutsideThePictureOrBeyondTheStoreIsQuiet) {
-  o.Cursor = SignalCursor::Bound;
-  EXPECT_FALSE(MouseMove(*s, o, v, kW + 1, 10, false).crosshair);
+  SetCursorSetting(*s, SignalCursor::Bound);
+  EXPECT_FALSE(MouseMove(*s, v, kW + 1, 10, false).crosshair);
   v.PixelsPerSample = 0.5;  // a stale factor sends the pointer past the store
-  o.ColorPropertyOpen = true;
-  const SignalAction a = MouseMove(*s, o, v, kW, 10, false);
+  v.ColorPropertyOpen = true;
+  const SignalAction a = MouseMove(*s, v, kW, 10, false);
   EXPECT_GT(v.CursorSample, s->SignalDataN);
   EXPECT_FALSE(a.colorProperty);
 }
@@ -131,9 +131,9 @@ TEST_F(Interaction, ColorPropertyGetsOneValuePerShownChannel) {
   s->channels.Channel[2] = 1;
   s->channels.Active[2] = 1;
   s->SignalData.at(11, 2) = -2000;
-  o.Cursor = SignalCursor::Free;
-  o.ColorPropertyOpen = true;
-  EXPECT_TRUE(MouseMove(*s, o, v, 20, 30, false).colorProperty);
+  SetCursorSetting(*s, SignalCursor::Free);
+  v.ColorPropertyOpen = true;
+  EXPECT_TRUE(MouseMove(*s, v, 20, 30, false).colorProperty);
   EXPECT_EQ(v.ColorPropertyValues[1], FormatGrouped(11));
   EXPECT_EQ(v.ColorPropertyValues[2], FormatGrouped(-2000));
 }
@@ -164,30 +164,30 @@ TEST_F(Interaction, AmplitudeSliderSetsTheScaleOrAuto) {
 }
 
 TEST_F(Interaction, StatusPanelsAsButtons) {
-  StatusPanelClicked(*s, o, v, SignalPanel::Dimension, MouseButton::Left);
+  StatusPanelClicked(*s, v, SignalPanel::Dimension, MouseButton::Left);
   EXPECT_EQ(v.SliderV, 0);
-  StatusPanelClicked(*s, o, v, SignalPanel::Dimension, MouseButton::Right);
-  StatusPanelClicked(*s, o, v, SignalPanel::Dimension, MouseButton::Right);
+  StatusPanelClicked(*s, v, SignalPanel::Dimension, MouseButton::Right);
+  StatusPanelClicked(*s, v, SignalPanel::Dimension, MouseButton::Right);
   EXPECT_EQ(v.SliderV, -1);
 
-  StatusPanelClicked(*s, o, v, SignalPanel::Scale, MouseButton::Left);
+  StatusPanelClicked(*s, v, SignalPanel::Scale, MouseButton::Left);
   EXPECT_EQ(v.SliderH, 1);
-  StatusPanelClicked(*s, o, v, SignalPanel::Scale, MouseButton::Right);
-  StatusPanelClicked(*s, o, v, SignalPanel::Scale, MouseButton::Right);
+  StatusPanelClicked(*s, v, SignalPanel::Scale, MouseButton::Right);
+  StatusPanelClicked(*s, v, SignalPanel::Scale, MouseButton::Right);
   EXPECT_EQ(v.SliderH, 0);
 
-  EXPECT_TRUE(StatusPanelClicked(*s, o, v, SignalPanel::Center, MouseButton::Right).optionsChanged);
-  EXPECT_TRUE(o.LineCenter);
+  EXPECT_TRUE(StatusPanelClicked(*s, v, SignalPanel::Center, MouseButton::Right).optionsChanged);
+  EXPECT_TRUE(s->options.signal.LineCenter);
 
   s->SelectFirst = 5;
-  StatusPanelClicked(*s, o, v, SignalPanel::Cursor, MouseButton::Left);
-  EXPECT_EQ(o.Cursor, SignalCursor::Free);
+  StatusPanelClicked(*s, v, SignalPanel::Cursor, MouseButton::Left);
+  EXPECT_EQ(CursorOf(*s), SignalCursor::Free);
   EXPECT_EQ(s->SelectFirst, 0);
-  StatusPanelClicked(*s, o, v, SignalPanel::Cursor, MouseButton::Right);
-  EXPECT_EQ(o.Cursor, SignalCursor::Bound);
-  StatusPanelClicked(*s, o, v, SignalPanel::Cursor, MouseButton::Right);
-  EXPECT_EQ(o.Cursor, SignalCursor::None);
-  EXPECT_FALSE(CrossPointer(o));
+  StatusPanelClicked(*s, v, SignalPanel::Cursor, MouseButton::Right);
+  EXPECT_EQ(CursorOf(*s), SignalCursor::Bound);
+  StatusPanelClicked(*s, v, SignalPanel::Cursor, MouseButton::Right);
+  EXPECT_EQ(CursorOf(*s), SignalCursor::None);
+  EXPECT_FALSE(CrossPointer(*s));
 }
 
 TEST_F(Interaction, ZeroLinePanelStepsMiddleBottomTopMiddle) {
@@ -195,7 +195,7 @@ TEST_F(Interaction, ZeroLinePanelStepsMiddleBottomTopMiddle) {
       {50, MouseButton::Left, kH}, {kH, MouseButton::Left, 0}, {0, MouseButton::Right, 50}, {7, MouseButton::Left, 50}};
   for (const auto& step : steps) {
     s->channels.ChannelY[1] = step.from;
-    StatusPanelClicked(*s, o, v, SignalPanel::Y0, step.button);
+    StatusPanelClicked(*s, v, SignalPanel::Y0, step.button);
     EXPECT_EQ(s->channels.ChannelY[1], step.to) << "from " << step.from;
   }
   EXPECT_EQ(v.VScroll1, 50);
@@ -207,22 +207,22 @@ void ExpectTexts(const SignalStatus& st, std::initializer_list<std::pair<SignalP
 
 TEST_F(Interaction, StatusTexts) {
   using enum SignalPanel;
-  SignalStatus st = OutInfoToStatusBar(*s, o, v);
+  SignalStatus st = OutInfoToStatusBar(*s, v);
   ExpectTexts(st, {{Dimension, "D: 100 мкм "}, {Scale, "M: 1:1 "}, {Window, "W: 0:00:00.001 - 0:00:00.100 "},
                    {Cursor, "C0: - "}, {Level, "V: - "}, {Select, "S: - "}, {SelectLen, "L: - "},
                    {Y0, "Y0: 50% "}, {BeginPoint, "BP: - "}, {SignalDataN, "N: 100"}});
   EXPECT_FALSE(st.beginPointEnabled);
   EXPECT_FALSE(st.selectionCommandsEnabled);
 
-  o.Cursor = SignalCursor::Bound;
-  MouseMove(*s, o, v, 20, 30, false);
+  SetCursorSetting(*s, SignalCursor::Bound);
+  MouseMove(*s, v, 20, 30, false);
   s->SelectFirst = 11;
   s->SelectLast = 61;
   s->channels.Type[1] = 0;
   s->channels.KS[1] = 40;
-  o.StatusFilterConst = false;
+  s->options.parameters.StatusFilterConst = false;
   s->channels.ChannelYm[1] = 20000;
-  st = OutInfoToStatusBar(*s, o, v);
+  st = OutInfoToStatusBar(*s, v);
   ExpectTexts(st, {{Dimension, "D: " + FormatGrouped(20) + " мм "}, {Cursor, "C2: 0:00:00.011 "},
                    {Level, "V: 11 мкм "}, {Select, "S: 0:00:00.011 - 0:00:00.061 "}, {SelectLen, "L: 0:00:00.050 "},
                    {BeginPoint, "BP: " + FormatGrouped(40) + " мкм "}});

@@ -14,13 +14,12 @@ using namespace testing_views;
 
 struct ParameterBarTest : ::testing::Test {
   std::unique_ptr<AppState> s = MakeState(1000);
-  SignalViewOptions o;
   SignalViewState v;
   ParameterReadings r;
 
   ParameterBar Bar(int type, int width = 600) {
     s->channels.Type[1] = type;
-    return BuildParameterBar(*s, o, v, r, width);
+    return BuildParameterBar(*s, v, r, width);
   }
   static std::vector<QString> Texts(const ParameterBar& bar) {
     std::vector<QString> out;
@@ -64,7 +63,7 @@ TEST_F(ParameterBarTest, HarmonicOfOneOrLessIsAQuestionMark) {
 TEST_F(ParameterBarTest, VibrationBandsMaxAndMeanOrMeanAlone) {
   r.BandMax = {100, 10, 20, 30};
   r.BandMean = {50, 5, 6, 7};
-  o.SignalParameterMax = true;
+  s->options.parameters.SignalParameterMax = true;
   ParameterBar bar = Bar(1, 500);
   EXPECT_EQ(Texts(bar), (std::vector<QString>{QStringLiteral("ОУ (0-200Гц): 100 / 50мкм "),
                                               QStringLiteral("0-1Гц: 10 / 5мкм "), QStringLiteral("1-30Гц: 20 / 6мкм "),
@@ -73,7 +72,7 @@ TEST_F(ParameterBarTest, VibrationBandsMaxAndMeanOrMeanAlone) {
   EXPECT_EQ(bar.panels[3].toolTip, QStringLiteral("ВЧ: максимальное / среднее значение"));
   EXPECT_EQ(bar.panels[4].toolTip, QStringLiteral("1 гармоника: амлитуда / фаза"));
   EXPECT_EQ(bar.panelWidthPx, 100);
-  o.SignalParameterMax = false;
+  s->options.parameters.SignalParameterMax = false;
   bar = Bar(1);
   EXPECT_EQ(bar.panels[1].text, QStringLiteral("0-1Гц: 5мкм "));
   EXPECT_EQ(bar.panels[2].toolTip, QStringLiteral("СЧ: среднее значение"));
@@ -140,23 +139,22 @@ TEST_F(ParameterBarTest, GainIsNotTakenOutOfThePanelValue) {
 
 TEST(ParameterTable, OneLinePerKindOfChannel) {
   auto s = MakeState(100);
-  SignalViewOptions o;
   ParameterReadings r;
   r.BandMax = {40, 12, 0, 0};
   r.BandMean = {30, 0, 0, 0};
   s->channels.Type[1] = 0;
-  EXPECT_EQ(ParameterTableText(*s, o, r, {}), FormatStandard(12) + QStringLiteral(" мкм"));
+  EXPECT_EQ(ParameterTableText(*s, r, {}), FormatStandard(12) + QStringLiteral(" мкм"));
   s->channels.Type[1] = 1;
-  EXPECT_EQ(ParameterTableText(*s, o, r, {}), FormatStandard(40) + QStringLiteral(" мкм"));
-  o.SignalParameterMax = false;
-  EXPECT_EQ(ParameterTableText(*s, o, r, {}), FormatStandard(30) + QStringLiteral(" мкм"));
+  EXPECT_EQ(ParameterTableText(*s, r, {}), FormatStandard(40) + QStringLiteral(" мкм"));
+  s->options.parameters.SignalParameterMax = false;
+  EXPECT_EQ(ParameterTableText(*s, r, {}), FormatStandard(30) + QStringLiteral(" мкм"));
   s->channels.Type[1] = 3;
-  EXPECT_EQ(ParameterTableText(*s, o, r, RotorSpeed{80, 85, 96, 102}),
+  EXPECT_EQ(ParameterTableText(*s, r, RotorSpeed{80, 85, 96, 102}),
             FormatStandard(80) + QStringLiteral("-") + FormatStandard(85) + QStringLiteral(" об/мин (96-102%) "));
   s->channels.Type[1] = 5;
   s->channels.Ku[1] = 1.0f;
   s->SignalMaxValue[1] = 4000;  // 5000 mV: volts
-  EXPECT_EQ(ParameterTableText(*s, o, r, {}), FormatStandard(5) + QStringLiteral(" В"));
+  EXPECT_EQ(ParameterTableText(*s, r, {}), FormatStandard(5) + QStringLiteral(" В"));
 }
 
 }  // namespace

@@ -45,18 +45,25 @@ inline std::unique_ptr<AppState> MakeState(int samples, int channelY = 50, int c
   return s;
 }
 
-inline views::SignalViewOptions TestOptions() {
-  views::SignalViewOptions o;
-  o.colors.ColorLineOtmetchick = kMarkerLine;
-  o.colors.ColorLinePorogOtmetchick = kPorog;
-  o.colors.ColorLineCenterSignal = kCentre;
-  o.colors.ColorBeginPoint = kBeginPoint;
-  o.colors.ColorLineY0Signal = kZero;
-  o.colors.ColorGrid = kGrid;
-  o.colors.ColorLineSynchro = kSynchro;
-  o.colors.ColorText = kTextColor;
-  o.AutoY0 = false;
-  return o;
+// Colours the tests tell apart, and no automatic placing of the zero lines.
+inline void SetTestOptions(AppState& s) {
+  ColorOptions& c = s.options.color;
+  c.ColorLineOtmetchick = kMarkerLine;
+  c.ColorLinePorogOtmetchick = kPorog;
+  c.ColorLineCenterSignal = kCentre;
+  c.ColorBeginPoint = kBeginPoint;
+  c.ColorLineY0Signal = kZero;
+  c.ColorGrid = kGrid;
+  c.ColorLineSynchro = kSynchro;
+  c.ColorText = kTextColor;
+  s.options.parameters.AutoY0 = false;
+}
+
+// A drawing after its preparation, as the view makes one on results already
+// in the state.
+inline views::DrawList PrepareAndDraw(AppState& s, views::SignalViewState& v, const views::FontMetrics& fm) {
+  views::PrepareSignal(s, v);
+  return views::DrawSignal(s, v, fm);
 }
 
 inline views::SignalViewState ViewOf(AppState& s, int w, int h) {

@@ -11,7 +11,8 @@
 #include "ui/acquisition/ModuleWindows.h"
 #include "ui/signal/ParametersWindow.h"
 #include "ui/signal/SignalWindow.h"
-#include "ui/signal/ViewOptions.h"
+#include "core/ConfigKeys.h"
+#include "ui/common/OptionMenu.h"
 #include "ui/main/Workspace.h"
 
 #include <QAction>
@@ -71,22 +72,12 @@ void MainWindow::mnuFileExit() { close(); }
 // View menu.
 // ---------------------------------------------------------------------------
 
-void MainWindow::mnuViewToolbarMain() {
-  s_.options.config.ViewToolbarMain = action(QStringLiteral("mnuViewToolbarMain"))->isChecked();
-  toolbarMain_->setVisible(s_.options.config.ViewToolbarMain);
-  SaveOption(store_, s_, QStringLiteral("Config"), QStringLiteral("ViewToolbarMain"));
-}
-
-void MainWindow::mnuViewToolbarChannels() {
-  s_.options.config.ViewToolbarChannels = action(QStringLiteral("mnuViewToolbarChannels"))->isChecked();
-  toolbarChannels_->setVisible(s_.options.config.ViewToolbarChannels);
-  SaveOption(store_, s_, QStringLiteral("Config"), QStringLiteral("ViewToolbarChannels"));
-}
-
-void MainWindow::mnuViewStatusBar() {
-  s_.options.config.ViewStatusBar = action(QStringLiteral("mnuViewStatusBar"))->isChecked();
-  statusBar()->setVisible(s_.options.config.ViewStatusBar);
-  SaveOption(store_, s_, QStringLiteral("Config"), QStringLiteral("ViewStatusBar"));
+void MainWindow::applyBars() {
+  const ConfigOptions& config = s_.options.config;
+  toolbarMain_->setVisible(config.ViewToolbarMain);
+  toolbarChannels_->setVisible(config.ViewToolbarChannels);
+  statusBar()->setVisible(config.ViewStatusBar);
+  RefreshOptionChecks(actions_, s_, kSectionConfig);
 }
 
 void MainWindow::mnuViewSignal() {
@@ -173,30 +164,13 @@ void MainWindow::ActivateElements(bool run) {
 // The signal view's popup menu.
 // ---------------------------------------------------------------------------
 
-void MainWindow::mnuSignalToggle(const QString& key) {
-  SignalOptions& o = s_.options.signal;
-  bool* const fields[] = {&o.ScaleX,     &o.ScaleY,     &o.LineCenter,         &o.LineZero, &o.OtmetchickLine,
-                          &o.Otmetchick, &o.BeginPoint, &o.StatusBarParameter, &o.Control,  &o.StatusBar};
-  const char* const keys[] = {"ScaleX",     "ScaleY",     "LineCenter",         "LineZero", "OtmetchickLine",
-                              "Otmetchick", "BeginPoint", "StatusBarParameter", "Control",  "StatusBar"};
-  for (size_t i = 0; i < std::size(keys); ++i) {
-    if (key != QLatin1String(keys[i])) continue;
-    *fields[i] = !*fields[i];
-    SaveOption(store_, s_, QStringLiteral("Signal"), key);
-    break;
-  }
-  refreshSignalMenuChecks();
-  if (SignalWindow* w = signalWindow()) w->optionsChanged();
-}
-
 void MainWindow::mnuSignalCursor(int entry) {
   const views::SignalCursor cursor = entry == 0 ? views::SignalCursor::Free : views::SignalCursor::Bound;
   if (SignalWindow* w = signalWindow()) {
     w->SetTypeCursor(cursor);
   } else {
-    SignalOptions& o = s_.options.signal;
-    o.Cursor = CursorFromSetting(o.Cursor) == cursor ? -1 : CursorSetting(cursor);
-    SaveOption(store_, s_, QStringLiteral("Signal"), QStringLiteral("Cursor"));
+    views::SetCursorSetting(s_, views::CursorOf(s_) == cursor ? views::SignalCursor::None : cursor);
+    SaveOption(store_, s_, QString::fromLatin1(kSectionSignal), QStringLiteral("Cursor"));
   }
   refreshSignalMenuChecks();
 }

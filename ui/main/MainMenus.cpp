@@ -1,10 +1,13 @@
 // The menus, toolbars and status bar of frmMain, with the captions the users
 // know.
 
+#include "core/ConfigKeys.h"
 #include "ui/common/Icons.h"
+#include "ui/common/OptionMenu.h"
 #include "ui/main/MainWindow.h"
 #include "ui/common/PanelBar.h"
 #include "ui/main/Workspace.h"
+#include "ui/signal/SignalWindow.h"
 
 #include <QActionGroup>
 #include <QLineEdit>
@@ -108,9 +111,7 @@ void MainWindow::buildFileMenu() {
 void MainWindow::buildViewMenu() {
   QMenu* view = menuBar()->addMenu(QStringLiteral("Вид"));
   view->setObjectName(QStringLiteral("mnuView"));
-  addToggle(view, "mnuViewToolbarMain", QStringLiteral("Панель инструментов"), &MainWindow::mnuViewToolbarMain);
-  addToggle(view, "mnuViewToolbarChannels", QStringLiteral("Панель каналов"), &MainWindow::mnuViewToolbarChannels);
-  addToggle(view, "mnuViewStatusBar", QStringLiteral("Информационная строка"), &MainWindow::mnuViewStatusBar);
+  AddOptionToggles(view, kSectionConfig, 0, s_, store_, actions_, [this] { applyBars(); });
   view->addSeparator();
   QAction* signal = addToggle(view, "mnuViewSignal", QStringLiteral("Сигнал"), &MainWindow::mnuViewSignal);
   signal->setIcon(MakeToolIcon(ToolIcon::Signal));
@@ -231,16 +232,11 @@ void MainWindow::buildSignalMenu() {
   // The popup of the signal view; it never stands in the menu bar.
   mnuSignal_ = new QMenu(QStringLiteral("Сигнал"), this);
   mnuSignal_->setObjectName(QStringLiteral("mnuSignal"));
-  const std::pair<const char*, const char*> toggles[] = {
-      {"ScaleX", "Шкала времени"},          {"ScaleY", "Шкала уровня"},
-      {"LineCenter", "Линия центра"},       {"LineZero", "Нулевая линия"},
-      {"OtmetchickLine", "Линии отметчика"}, {"Otmetchick", "Порог отметчика"},
-      {"BeginPoint", "Начальная точка"}};
-  auto addToggleOfView = [this](const char* key, const char* caption) {
-    const QString k = QString::fromLatin1(key);
-    addCheck(mnuSignal_, QStringLiteral("mnuSignal") + k, QString::fromUtf8(caption), [this, k] { mnuSignalToggle(k); });
+  const auto optionsChanged = [this] {
+    refreshSignalMenuChecks();
+    if (SignalWindow* w = signalWindow()) w->optionsChanged();
   };
-  for (const auto& [key, caption] : toggles) addToggleOfView(key, caption);
+  AddOptionToggles(mnuSignal_, kSectionSignal, 0, s_, store_, actions_, optionsChanged);
   QMenu* cursor = mnuSignal_->addMenu(QStringLiteral("Курсор"));
   cursor->setObjectName(QStringLiteral("mnuSignalCursor"));
   const char* const cursorCaptions[] = {"Свободный", "Привязанный"};
@@ -249,9 +245,7 @@ void MainWindow::buildSignalMenu() {
              [this, entry] { mnuSignalCursor(entry); });
   }
   mnuSignal_->addSeparator();
-  const std::pair<const char*, const char*> bars[] = {
-      {"StatusBarParameter", "Панель параметров"}, {"Control", "Элементы управления"}, {"StatusBar", "Информационная строка"}};
-  for (const auto& [key, caption] : bars) addToggleOfView(key, caption);
+  AddOptionToggles(mnuSignal_, kSectionSignal, 1, s_, store_, actions_, optionsChanged);
   mnuSignal_->addSeparator();
   addCommand(mnuSignal_, "mnuSignalCopyPicture", QStringLiteral("Копировать рисунок"), &MainWindow::mnuSignalCopy)
       ->setIcon(MakeToolIcon(ToolIcon::Copy));

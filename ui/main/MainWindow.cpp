@@ -8,7 +8,8 @@
 #include "ui/common/PanelBar.h"
 #include "ui/signal/ParametersWindow.h"
 #include "ui/signal/SignalWindow.h"
-#include "ui/signal/ViewOptions.h"
+#include "core/ConfigKeys.h"
+#include "ui/common/OptionMenu.h"
 #include "ui/main/Workspace.h"
 
 #include <QAction>
@@ -135,13 +136,7 @@ void MainWindow::load() {
   MainLoad(ctx);
   action(QStringLiteral("mnuSignalDelete"))->setEnabled(false);
   action(QStringLiteral("mnuSignalPaste"))->setEnabled(false);
-  const ConfigOptions& config = s_.options.config;
-  toolbarMain_->setVisible(config.ViewToolbarMain);
-  toolbarChannels_->setVisible(config.ViewToolbarChannels);
-  statusBar()->setVisible(config.ViewStatusBar);
-  action(QStringLiteral("mnuViewToolbarMain"))->setChecked(config.ViewToolbarMain);
-  action(QStringLiteral("mnuViewToolbarChannels"))->setChecked(config.ViewToolbarChannels);
-  action(QStringLiteral("mnuViewStatusBar"))->setChecked(config.ViewStatusBar);
+  applyBars();
   applyBackground();
   ReadRecentFile();
   RefreshToolbarChannels();
@@ -306,15 +301,8 @@ void MainWindow::signalStatusChanged(const views::SignalStatus& status) {
 void MainWindow::signalOptionsChanged() { refreshSignalMenuChecks(); }
 
 void MainWindow::refreshSignalMenuChecks() {
-  const SignalOptions& o = s_.options.signal;
-  const std::pair<const char*, bool> checks[] = {
-      {"ScaleX", o.ScaleX},         {"ScaleY", o.ScaleY},
-      {"LineCenter", o.LineCenter}, {"LineZero", o.LineZero},
-      {"OtmetchickLine", o.OtmetchickLine}, {"Otmetchick", o.Otmetchick},
-      {"BeginPoint", o.BeginPoint}, {"StatusBarParameter", o.StatusBarParameter},
-      {"Control", o.Control},       {"StatusBar", o.StatusBar}};
-  for (const auto& [key, on] : checks) action(QStringLiteral("mnuSignal") + QString::fromLatin1(key))->setChecked(on);
-  const views::SignalCursor cursor = CursorFromSetting(o.Cursor);
+  RefreshOptionChecks(actions_, s_, kSectionSignal);
+  const views::SignalCursor cursor = views::CursorOf(s_);
   action(QStringLiteral("mnuSignalCursor0"))->setChecked(cursor == views::SignalCursor::Free);
   action(QStringLiteral("mnuSignalCursor1"))->setChecked(cursor == views::SignalCursor::Bound);
 }
@@ -328,11 +316,10 @@ void MainWindow::ViewRefresh(bool cheap) {
   // would draw twice for nothing.
   if (refreshing_) return;
   refreshing_ = true;
-  engineOptions_ = SignalOptionsFromState(s_);
   views::ViewRegistry registry;
   registry.runOn = measuring_;
   registry.noticeUp = false;
-  views::InstallEngineSteps(registry, s_, engineOptions_, *analysis_);
+  views::InstallEngineSteps(registry, s_, *analysis_);
   registry[views::RefreshStep::ShowNotice] = [this] {
     prompts_.notice({QStringLiteral("Подождите, идет обработка данных ...")});
   };

@@ -116,9 +116,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   void mnuFileCopy();
   void mnuFileRecentFile(int k);
   void mnuFileExit();
-  void mnuViewToolbarMain();
-  void mnuViewToolbarChannels();
-  void mnuViewStatusBar();
+  void applyBars();
   void mnuViewSignal();
   void mnuViewParameters();
   void mnuViewImposition();
@@ -131,7 +129,6 @@ class MainWindow : public QMainWindow, public ViewHost {
   void mnuHelpAbout();
   void mnuHelpADC();
   void mnuServiceDigitalLines();
-  void mnuSignalToggle(const QString& key);
   void mnuSignalCursor(int entry);
   void mnuSignalCopy();
 
@@ -154,7 +151,6 @@ class MainWindow : public QMainWindow, public ViewHost {
   const Vocabulary& vocab_;
   const FileReaderTable& readers_;
   std::unique_ptr<views::AnalysisResults> analysis_;
-  views::SignalViewOptions engineOptions_;
 
   QMdiArea* mdi_ = nullptr;
   QPointer<QMdiSubWindow> signalSub_;

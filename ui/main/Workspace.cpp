@@ -87,11 +87,8 @@ QStringList ColorBackCaptions() {
 }
 
 QColor ColorBackOf(const std::array<int32_t, 4>& parts) {
-  const double strength = std::clamp(parts[3], 0, 255) / 255.0;
-  auto mix = [strength](int32_t part) {
-    return static_cast<int>(std::lround(255.0 + (std::clamp(part, 0, 255) - 255.0) * strength));
-  };
-  return QColor(mix(parts[0]), mix(parts[1]), mix(parts[2]));
+  const int32_t bgr = ColorBackBgr(parts);
+  return QColor(BgrRed(bgr), BgrGreen(bgr), BgrBlue(bgr));
 }
 
 QColor WorkspaceColorOf(const std::array<int32_t, 4>& parts) { return ColorBackOf(parts).darker(135); }

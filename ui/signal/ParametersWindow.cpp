@@ -1,7 +1,6 @@
 #include "ui/signal/ParametersWindow.h"
 
 #include "ui/paint/PaintDrawList.h"
-#include "ui/signal/ViewOptions.h"
 #include "views/parameters/ParameterSteps.h"
 
 #include <QPainter>
@@ -24,8 +23,7 @@ ParametersWindow::~ParametersWindow() = default;
 
 void ParametersWindow::OutData() {
   AppState& s = host_.state();
-  const views::SignalViewOptions o = SignalOptionsFromState(s);
-  line_ = views::OutDataParameters(s, o, host_.analysis());
+  line_ = views::OutDataParameters(s, host_.analysis());
   // Measured as drawn: in bold.
   QFont measured = font_;
   measured.setBold(true);
@@ -34,7 +32,7 @@ void ParametersWindow::OutData() {
   // measured width belongs to the font at its own point size.
   views::FontMetrics inPoints = metrics.metrics();
   inPoints.lineHeight = std::max(1, font_.pointSize());
-  list_ = views::BuildParameterTable(line_, width(), height(), o.colors.Background, o.colors.ColorText, inPoints);
+  list_ = views::BuildParameterTable(line_, width(), height(), views::ViewBackground(s), s.options.color.ColorText, inPoints);
   update();
 }
 

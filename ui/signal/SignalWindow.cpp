@@ -4,7 +4,8 @@
 #include "core/ConfigKeys.h"
 #include "ui/common/CopyPicture.h"
 #include "ui/common/PanelBar.h"
-#include "ui/signal/ViewOptions.h"
+#include "core/ConfigKeys.h"
+#include "core/ConfigWriters.h"
 #include "views/parameters/ParameterSteps.h"
 #include "views/signal/SignalRefresh.h"
 
@@ -166,13 +167,12 @@ const views::DrawList& SignalWindow::picture() const { return picture_->list(); 
 QWidget* SignalWindow::pictureWidget() const { return picture_; }
 
 void SignalWindow::refreshOptions() {
-  o_ = SignalOptionsFromState(s_);
-  picture_->setCursor(views::CrossPointer(o_) ? Qt::CrossCursor : Qt::ArrowCursor);
+  picture_->setCursor(views::CrossPointer(s_) ? Qt::CrossCursor : Qt::ArrowCursor);
 }
 
 void SignalWindow::saveOptions() {
-  StoreSignalOptions(o_, s_, host_.settings());
-  picture_->setCursor(views::CrossPointer(o_) ? Qt::CrossCursor : Qt::ArrowCursor);
+  SaveOptionSection(host_.settings(), s_, QString::fromLatin1(kSectionSignal));
+  refreshOptions();
   host_.signalOptionsChanged();
 }
 
@@ -188,7 +188,7 @@ void SignalWindow::layoutBars() {
   sizes.parameterBarPx = bar;
   sizes.scrollPx = hScroll_->sizeHint().height();
   sizes.sliderPx = std::max(22, sliderH_->sizeHint().height());
-  const views::SignalLayout layout = views::FormResize(width(), height(), o_, sizes);
+  const views::SignalLayout layout = views::FormResize(width(), height(), s_.options.signal, sizes);
   if (!layout.moved) return;
   Place(picture_, layout.picture);
   Place(sliderH_, layout.sliderH);
@@ -205,11 +205,11 @@ void SignalWindow::layoutBars() {
     views::InitSignalView(s_, v_);
     views::ConfigSliderH(s_, v_);
     views::SetY0(s_, v_);
-    views::AccountChannelY0(s_, o_, v_);
+    views::AccountChannelY0(s_, v_);
     BuildSignal();
     OutStatusBarParameter();
   } else if (sizeChanged) {
-    views::AccountChannelY0(s_, o_, v_);
+    views::AccountChannelY0(s_, v_);
     BuildSignal();
     OutStatusBarParameter();
   }
@@ -229,7 +229,7 @@ void SignalWindow::installRefresh(views::ViewRegistry& registry) {
   hooks.showParameterBar = [this](views::ParameterBar&& bar) { showParameterBar(bar); };
   hooks.parameterBarWidthPx = [this] { return parameterBar_->width(); };
   hooks.controlsChanged = [this] { syncControls(); };
-  views::InstallSignalView(registry, s_, o_, v_, host_.analysis(), std::move(hooks));
+  views::InstallSignalView(registry, s_, v_, host_.analysis(), std::move(hooks));
 }
 
 void SignalWindow::showPicture(views::DrawList&& list) {
@@ -254,13 +254,13 @@ void SignalWindow::showParameterBar(const views::ParameterBar& bar) {
 void SignalWindow::BuildSignal() {
   refreshOptions();
   if (v_.W <= 0 || v_.H <= 0) return;
-  showPicture(views::BuildSignal(s_, o_, v_, metrics_->metrics()));
+  showPicture(views::BuildSignal(s_, v_, metrics_->metrics()));
   outInfoToStatusBar();
 }
 
 void SignalWindow::OutStatusBarParameter() {
-  if (!o_.StatusBarParameter || !parameterBar_->isVisible()) return;
-  showParameterBar(views::OutStatusBarParameter(s_, o_, v_, host_.analysis(), parameterBar_->width()));
+  if (!s_.options.signal.StatusBarParameter || !parameterBar_->isVisible()) return;
+  showParameterBar(views::OutStatusBarParameter(s_, v_, host_.analysis(), parameterBar_->width()));
 }
 
 void SignalWindow::ResetValueElements() {
@@ -284,15 +284,15 @@ void SignalWindow::optionsChanged() {
 }
 
 void SignalWindow::SetTypeCursor(views::SignalCursor entry) {
-  apply(views::SetTypeCursorViewSignal(s_, o_, v_, entry));
+  apply(views::SetTypeCursorViewSignal(s_, v_, entry));
 }
 
-void SignalWindow::SignalLineCenter() { apply(views::SignalLineCenter(o_)); }
+void SignalWindow::SignalLineCenter() { apply(views::SignalLineCenter(s_)); }
 
 void SignalWindow::SignalBeginPoint() {
   const int c = std::clamp(s_.FirstChannelActive, 1, kMaxChannels);
-  if (!BeginPointApplies(s_.channels.Type[c], o_.StatusFilterConst, s_.AccountOffset)) return;
-  apply(views::SignalBeginPoint(o_));
+  if (!BeginPointApplies(s_.channels.Type[c], s_.options.parameters.StatusFilterConst, s_.AccountOffset)) return;
+  apply(views::SignalBeginPoint(s_));
 }
 
 void SignalWindow::apply(const views::SignalAction& a) {
@@ -334,7 +334,7 @@ void SignalWindow::syncControls() {
   syncing_ = false;
 }
 
-void SignalWindow::outInfoToStatusBar() { showStatus(views::OutInfoToStatusBar(s_, o_, v_)); }
+void SignalWindow::outInfoToStatusBar() { showStatus(views::OutInfoToStatusBar(s_, v_)); }
 
 void SignalWindow::onHScroll(int value, bool finished) { apply(views::HScrollChanged(s_, v_, value, finished)); }
 
@@ -351,21 +351,21 @@ void SignalWindow::onSliderH(int value, bool scrolling) {
 void SignalWindow::statusPanelClicked(const QString& key, Qt::MouseButton button) {
   for (size_t i = 0; i < std::size(kPanelKeys); ++i) {
     if (key != QLatin1String(kPanelKeys[i])) continue;
-    apply(views::StatusPanelClicked(s_, o_, v_, static_cast<views::SignalPanel>(i), ToViewButton(button)));
+    apply(views::StatusPanelClicked(s_, v_, static_cast<views::SignalPanel>(i), ToViewButton(button)));
     return;
   }
 }
 
 void SignalWindow::pictureMousePress(Qt::MouseButton button, QPointF pos) {
   setFocus();
-  apply(views::MouseDown(s_, o_, v_, ToViewButton(button), pos.x(), pos.y()));
+  apply(views::MouseDown(s_, v_, ToViewButton(button), pos.x(), pos.y()));
 }
 
 void SignalWindow::pictureMouseMove(QPointF pos, bool leftHeld) {
-  apply(views::MouseMove(s_, o_, v_, pos.x(), pos.y(), leftHeld));
+  apply(views::MouseMove(s_, v_, pos.x(), pos.y(), leftHeld));
 }
 
-void SignalWindow::pictureMouseRelease() { apply(views::MouseUp(s_, o_, v_)); }
+void SignalWindow::pictureMouseRelease() { apply(views::MouseUp(s_, v_)); }
 
 void SignalWindow::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
@@ -400,23 +400,23 @@ void SignalWindow::wheelEvent(QWheelEvent* event) {
 
 namespace {
 
-CopyHeader SignalCopyHeader(const AppState& s, const views::SignalViewOptions& o, const views::SignalViewState& v) {
+CopyHeader SignalCopyHeader(const AppState& s, const views::SignalViewState& v) {
   CopyHeader header;
   header.rotorSpeedText = FirstMarkerChannel(s) != 0 ? v.RotorSpeedText : QString();
   header.diagramType = QStringLiteral("Сигнал");
-  if (o.StatusBarParameter) header.parameterText = v.ChannelParameterText[std::clamp(s.FirstChannelActive, 1, kMaxChannels)];
+  if (s.options.signal.StatusBarParameter) header.parameterText = v.ChannelParameterText[std::clamp(s.FirstChannelActive, 1, kMaxChannels)];
   return header;
 }
 
 }  // namespace
 
 QImage SignalWindow::CopyPictureImage() {
-  const QStringList lines = CopyHeaderLines(s_, host_.vocabulary(), SignalCopyHeader(s_, o_, v_));
+  const QStringList lines = CopyHeaderLines(s_, host_.vocabulary(), SignalCopyHeader(s_, v_));
   return ComposeCopyImage(lines, RenderDrawList(picture_->list(), font_), font_);
 }
 
 void SignalWindow::CopyPicture() {
-  const QStringList lines = CopyHeaderLines(s_, host_.vocabulary(), SignalCopyHeader(s_, o_, v_));
+  const QStringList lines = CopyHeaderLines(s_, host_.vocabulary(), SignalCopyHeader(s_, v_));
   PutPictureOnClipboard(ComposeCopyImage(lines, RenderDrawList(picture_->list(), font_), font_), lines);
 }
 

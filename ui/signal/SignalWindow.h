@@ -29,7 +29,7 @@ class SignalWindow : public QWidget {
 
   // Fills the signal view's steps of ViewRefresh; valid while the window lives.
   void installRefresh(views::ViewRegistry& registry);
-  bool parameterBarTicked() const { return o_.StatusBarParameter; }
+  bool parameterBarTicked() const { return s_.options.signal.StatusBarParameter; }
   // Redraw and parameter bar outside a refresh.
   void BuildSignal();
   void OutStatusBarParameter();
@@ -50,7 +50,6 @@ class SignalWindow : public QWidget {
 
   // For tests and the window's owner.
   const views::SignalViewState& viewState() const { return v_; }
-  const views::SignalViewOptions& viewOptions() const { return o_; }
   const views::DrawList& picture() const;
   QWidget* pictureWidget() const;
   PanelBar* statusBar() const { return statusBar_; }
@@ -89,7 +88,6 @@ class SignalWindow : public QWidget {
   ViewHost& host_;
   AppState& s_;
   views::SignalViewState v_;
-  views::SignalViewOptions o_;
   QFont font_;
   std::unique_ptr<QtFontMetrics> metrics_;
   SignalPicture* picture_ = nullptr;

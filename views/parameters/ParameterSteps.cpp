@@ -18,28 +18,28 @@ ParameterReadings ReadingsOf(const AnalysisResults& r) {
 }
 }  // namespace
 
-ParameterBar OutStatusBarParameter(AppState& s, const SignalViewOptions& o, SignalViewState& v, AnalysisResults& r,
+ParameterBar OutStatusBarParameter(AppState& s, SignalViewState& v, AnalysisResults& r,
                                    int barWidthPx) {
   AccountChannelVolumeField(s, r, s.FirstChannelActive);
-  return BuildParameterBar(s, o, v, ReadingsOf(r), barWidthPx);
+  return BuildParameterBar(s, v, ReadingsOf(r), barWidthPx);
 }
 
-QString OutDataParameters(AppState& s, const SignalViewOptions& o, AnalysisResults& r) {
+QString OutDataParameters(AppState& s, AnalysisResults& r) {
   const int c = std::clamp(s.FirstChannelActive, 1, ChannelCount(s));
   RotorSpeed speed;
   switch (s.channels.Type[c]) {
     case sensor::Runout:
     case sensor::Vibration:
-      AccountChannelProbe(s, o, r, c);
+      AccountChannelProbe(s, r, c);
       break;
     case sensor::ShaftMarker:
-      speed = RunOtmetchick(s, o);
+      speed = RunOtmetchick(s);
       break;
     default:
       AccountSignalMaxAll(s);
       break;
   }
-  return ParameterTableText(s, o, ReadingsOf(r), speed);
+  return ParameterTableText(s, ReadingsOf(r), speed);
 }
 
 }  // namespace aqx::views

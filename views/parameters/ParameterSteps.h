@@ -10,11 +10,11 @@ namespace aqx::views {
 // OutStatusBarParameter of the signal view: AccountVolumeField for
 // FirstChannelActive, then the panels of its type with the probe values of
 // the last AccountProbe.
-ParameterBar OutStatusBarParameter(AppState& s, const SignalViewOptions& o, SignalViewState& v, AnalysisResults& r,
+ParameterBar OutStatusBarParameter(AppState& s, SignalViewState& v, AnalysisResults& r,
                                    int barWidthPx);
 
 // OutData of frmViewParameters: runs the engine call of the channel's type
 // (AccountChannelProbe, Otmetchick or AccountSignalMax) and gives the line.
-QString OutDataParameters(AppState& s, const SignalViewOptions& o, AnalysisResults& r);
+QString OutDataParameters(AppState& s, AnalysisResults& r);
 
 }  // namespace aqx::views

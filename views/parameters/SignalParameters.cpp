@@ -29,7 +29,7 @@ QString HarmonicText(const ParameterReadings& r) {
   return QStringLiteral("1 гарм.: ") + QStringLiteral("?");
 }
 
-void AddVibrationPanels(const SignalViewOptions& o, const ParameterReadings& r, std::vector<ParameterPanel>& panels) {
+void AddVibrationPanels(const AppState& s, const ParameterReadings& r, std::vector<ParameterPanel>& panels) {
   struct Band {
     const char* prefix;
     const char* tipName;
@@ -39,7 +39,7 @@ void AddVibrationPanels(const SignalViewOptions& o, const ParameterReadings& r, 
   for (size_t i = 0; i < 4; ++i) {
     const QString prefix = QString::fromUtf8(kBands[i].prefix);
     const QString tip = QString::fromUtf8(kBands[i].tipName);
-    if (o.SignalParameterMax) {
+    if (s.options.parameters.SignalParameterMax) {
       panels.push_back({prefix + QString::number(r.BandMax[i]) + QStringLiteral(" / ") + QString::number(r.BandMean[i]) +
                             QStringLiteral("мкм "),
                         tip + QStringLiteral(": максимальное / среднее значение")});
@@ -68,7 +68,7 @@ void AddLevelPanels(const AppState& s, int channel, int count, std::vector<Param
 
 }  // namespace
 
-ParameterBar BuildParameterBar(AppState& s, const SignalViewOptions& o, SignalViewState& v,
+ParameterBar BuildParameterBar(AppState& s, SignalViewState& v,
                                const ParameterReadings& r, int barWidthPx) {
   if (s.UnitDivisor == 0.0) s.UnitDivisor = 1.0;
   const int c = CurrentChannel(s);
@@ -87,7 +87,7 @@ ParameterBar BuildParameterBar(AppState& s, const SignalViewOptions& o, SignalVi
       break;
     }
     case sensor::Vibration:
-      AddVibrationPanels(o, r, panels);
+      AddVibrationPanels(s, r, panels);
       break;
     case sensor::ShaftMarker: {
       panels.push_back({QStringLiteral("Частота вращения: ") + v.RotorSpeedText, QStringLiteral("Частота вращения")});
@@ -122,14 +122,14 @@ ParameterBar BuildParameterBar(AppState& s, const SignalViewOptions& o, SignalVi
   return bar;
 }
 
-QString ParameterTableText(AppState& s, const SignalViewOptions& o, const ParameterReadings& r,
+QString ParameterTableText(AppState& s, const ParameterReadings& r,
                            const RotorSpeed& speed) {
   const int c = CurrentChannel(s);
   switch (s.channels.Type[c]) {
     case sensor::Runout:
       return FormatStandard(r.BandMax[1]) + QStringLiteral(" мкм");
     case sensor::Vibration:
-      return FormatStandard(o.SignalParameterMax ? r.BandMax[0] : r.BandMean[0]) + QStringLiteral(" мкм");
+      return FormatStandard(s.options.parameters.SignalParameterMax ? r.BandMax[0] : r.BandMean[0]) + QStringLiteral(" мкм");
     case sensor::ShaftMarker:
       return RotorSpeedText(speed);
     default: {

@@ -36,13 +36,13 @@ struct ParameterBar {
 // The panels of FirstChannelActive by its type. Sets UnitDivisor 0 to 1 and
 // calls SetChannelUnit for level texts; fills v.ChannelParameterText of the
 // channel.
-ParameterBar BuildParameterBar(AppState& s, const SignalViewOptions& o, SignalViewState& v,
+ParameterBar BuildParameterBar(AppState& s, SignalViewState& v,
                                const ParameterReadings& r, int barWidthPx);
 
 // frmViewParameters: the one line of the active channel's main reading, from
 // the band levels (run-out and vibration), the detector's speeds (shaft
 // marker) or SignalMaxValue (every other type).
-QString ParameterTableText(AppState& s, const SignalViewOptions& o, const ParameterReadings& r,
+QString ParameterTableText(AppState& s, const ParameterReadings& r,
                            const RotorSpeed& speed);
 // The line in large type centred in the picture pctOut; the font size
 // follows the picture so that the line fits.

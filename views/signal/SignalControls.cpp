@@ -94,8 +94,8 @@ void RefreshElementsImposition(const AppState& s, SignalViewState& v) {
   v.ImpositionLock = false;
 }
 
-void AccountChannelY0(AppState& s, const SignalViewOptions& o, SignalViewState& v) {
-  if (!o.AutoY0 || v.H <= 0) return;
+void AccountChannelY0(AppState& s, SignalViewState& v) {
+  if (!s.options.parameters.AutoY0 || v.H <= 0) return;
   const int n = ActiveUsedCount(s);
   const std::vector<int> centres = BandCentres(v.H, n);
   size_t k = 0;
@@ -108,7 +108,7 @@ void AccountChannelY0(AppState& s, const SignalViewOptions& o, SignalViewState& 
   if (n > 0) HoldVScroll(v, s.channels.ChannelY[CurrentChannel(s)]);
 }
 
-SignalLayout FormResize(int innerWidthPx, int innerHeightPx, const SignalViewOptions& o, const SignalBarSizes& bars) {
+SignalLayout FormResize(int innerWidthPx, int innerHeightPx, const SignalOptions& o, const SignalBarSizes& bars) {
   SignalLayout layout;
   int bottom = innerHeightPx;
   if (o.StatusBar) {

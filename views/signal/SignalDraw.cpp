@@ -60,11 +60,11 @@ int CurrentChannel(const AppState& s) {
   return std::clamp(s.FirstChannelActive, 1, ChannelCount(s));
 }
 
-bool SelectionDragInProgress(const SignalViewOptions& o, const SignalViewState& v) {
-  return o.Cursor != SignalCursor::None && v.DragX >= 0;
+bool SelectionDragInProgress(const AppState& s, const SignalViewState& v) {
+  return CursorOf(s) != SignalCursor::None && v.DragX >= 0;
 }
 
-void DrawTimeGrid(const AppState& s, const SignalViewOptions& o, const SignalViewState& v, const FontMetrics& fm,
+void DrawTimeGrid(const AppState& s, const SignalViewState& v, const FontMetrics& fm,
                   double step, DrawList& list) {
   const double freq = ChannelRateHz(s);
   const double pps = v.PixelsPerSample;
@@ -73,8 +73,8 @@ void DrawTimeGrid(const AppState& s, const SignalViewOptions& o, const SignalVie
   const double origin = static_cast<double>(v.HScroll1) * v.ScrollStep;
   const int firstTick = RoundHalfEven(origin / freq / step - 1.0);
   double t = firstTick * step;
-  const double offset = ClockOffsetSeconds(s, o);
-  const Pen pen = MakePen(o.colors.ColorGrid, 1, DashStyle::Dot);
+  const double offset = ClockOffsetSeconds(s);
+  const Pen pen = MakePen(s.options.color.ColorGrid, 1, DashStyle::Dot);
   int labelEnd = std::numeric_limits<int>::min();
   for (double x = stepPx - RoundHalfEven(origin * pps - freq * pps * t); x <= v.W; x += stepPx) {
     t += step;
@@ -84,7 +84,7 @@ void DrawTimeGrid(const AppState& s, const SignalViewOptions& o, const SignalVie
     // stays.
     const QString label = TimeText(t + offset);
     if (xi + 1 < labelEnd) continue;
-    list.add(MakeText(xi + 1, v.H - fm.lineHeight - 1, label, o.colors.ColorText));
+    list.add(MakeText(xi + 1, v.H - fm.lineHeight - 1, label, s.options.color.ColorText));
     labelEnd = xi + 1 + fm.widthOf(label.toStdString()) + fm.charWidth;
   }
 }
@@ -105,24 +105,24 @@ void DrawUserMarkers(const AppState& s, const SignalViewState& v, const FontMetr
   }
 }
 
-void DrawLevelGrid(const AppState& s, const SignalViewOptions& o, const SignalViewState& v, const FontMetrics& fm,
+void DrawLevelGrid(const AppState& s, const SignalViewState& v, const FontMetrics& fm,
                    int channel, DrawList& list) {
   const int stepPx = std::max(1, RoundHalfEven(v.H / 10.0));
   const int stepUnits = RoundHalfEven(s.channels.ChannelYm[channel] / 5.0);
   const double divisor = s.UnitDivisor != 0.0 ? s.UnitDivisor : 1.0;
   const int64_t y0 = s.channels.ChannelY[channel];
-  const Pen pen = MakePen(o.colors.ColorGrid, 1, DashStyle::Dot);
+  const Pen pen = MakePen(s.options.color.ColorGrid, 1, DashStyle::Dot);
   // Labels sit above their line, below it at the top edge, and keep clear of
   // the time labels along the bottom.
-  const int labelFloor = o.ScaleX ? v.H - fm.lineHeight - 1 : v.H;
+  const int labelFloor = s.options.signal.ScaleX ? v.H - fm.lineHeight - 1 : v.H;
   auto add = [&](int64_t k, int64_t y) {
     const int yi = static_cast<int>(y);
     list.add(Line{0, yi, v.W, yi, pen});
     const QString label = PlainNumber(static_cast<double>(k * stepUnits) / divisor);
     if (yi < fm.lineHeight) {
-      list.add(MakeText(2, yi + 1, label, o.colors.ColorText, TextAnchor::TopLeft));
+      list.add(MakeText(2, yi + 1, label, s.options.color.ColorText, TextAnchor::TopLeft));
     } else if (yi <= labelFloor) {
-      list.add(MakeText(2, yi, label, o.colors.ColorText, TextAnchor::BottomLeft));
+      list.add(MakeText(2, yi, label, s.options.color.ColorText, TextAnchor::BottomLeft));
     }
   };
   // Upward from the zero line, positive values, while on the picture.
@@ -194,102 +194,110 @@ void DrawTrace(const AppState& s, const SignalViewState& v, int channel, double 
 
 }  // namespace
 
-DrawList DrawSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v, const FontMetrics& fm) {
-  DrawList list;
-  list.width = std::max(0, v.W);
-  list.height = std::max(0, v.H);
-  list.background = o.colors.Background;
-  if (v.W < kMinPicturePx || v.H < kMinPicturePx) return list;
-  const int w = v.W;
-  const int h = v.H;
-  const int n = std::clamp(s.SignalDataN, 1, kMaxSamples);
-  const int current = CurrentChannel(s);
-
+void PrepareSignal(AppState& s, SignalViewState& v) {
+  if (v.W < kMinPicturePx || v.H < kMinPicturePx) return;
   // A selection drag keeps its anchor over the redraw.
-  if (!SelectionDragInProgress(o, v)) {
+  if (!SelectionDragInProgress(s, v)) {
     v.CursorX = -1;
     v.CursorY = -1;
   }
-  v.PixelsPerSample = PixelsPerSampleFor(v.SliderH, w, n);
+  v.PixelsPerSample = PixelsPerSampleFor(v.SliderH, v.W, std::clamp(s.SignalDataN, 1, kMaxSamples));
+  v.FreqRotorVisible = FirstMarkerChannel(s) != 0;
+  if (v.FreqRotorVisible) v.RotorSpeedText = RotorSpeedText(v.speed);
+  const int current = CurrentChannel(s);
+  const int activeCount = ActiveUsedCount(s);
+  for (int c = 1; c <= ChannelCount(s); ++c) {
+    if (s.channels.Active[c] != 1 || s.channels.Channel[c] != 1) continue;
+    if (s.channels.ChannelY[c] == kChannelUnplaced) s.channels.ChannelY[c] = RoundHalfEven(v.H / 2.0);
+    if (s.channels.ChannelYm[c] <= 0)
+      s.channels.ChannelYm[c] = AutoChannelYm(s.SignalMaxValue[c], s.channels.Ku[c], s.channels.Volume[c], activeCount);
+    v.PixelsPerUnit = PixelsPerUnitFor(v.H, s.channels.Volume[c], s.channels.ChannelYm[c]);
+    if (c == current) {
+      v.PixelsPerUnitFirst = v.PixelsPerUnit;
+      SetChannelUnit(s, s.channels.ChannelYm[c]);
+    }
+  }
+}
+
+DrawList DrawSignal(const AppState& s, const SignalViewState& v, const FontMetrics& fm) {
+  DrawList list;
+  list.width = std::max(0, v.W);
+  list.height = std::max(0, v.H);
+  list.background = ViewBackground(s);
+  if (v.W < kMinPicturePx || v.H < kMinPicturePx) return list;
+  const int w = v.W;
+  const int h = v.H;
+  const int current = CurrentChannel(s);
+  const SignalOptions& o = s.options.signal;
+  const ColorOptions& colors = s.options.color;
 
   if (o.LineCenter) {
     const double span = std::max(1.0, static_cast<double>(s.ViewLast) - s.ViewFirst + 1.0);
     const int x = RoundHalfEven((static_cast<double>(v.CentreSample) - s.ViewFirst) * w / span);
-    list.add(Line{x, 0, x, h, MakePen(o.colors.ColorLineCenterSignal)});
+    list.add(Line{x, 0, x, h, MakePen(colors.ColorLineCenterSignal)});
   }
 
   const int markerChannel = FirstMarkerChannel(s);
-  v.FreqRotorVisible = markerChannel != 0;
-  if (markerChannel != 0) {
-    if (o.OtmetchickLine) {
-      const Pen pen = MakePen(o.colors.ColorLineOtmetchick);
-      const int count = std::clamp(s.ShaftMarkCount, 0, kMaxShaftMarks);
-      for (int i = 0; i < count; ++i) {
-        const double x = SampleToX(s.ShaftMarks[static_cast<size_t>(i)], s.ViewFirst, v.PixelsPerSample);
-        if (x < 0.0 || x > w) continue;
-        const int xi = RoundHalfEven(x);
-        list.add(Line{xi, 0, xi, h, pen});
-      }
+  if (markerChannel != 0 && o.OtmetchickLine) {
+    const Pen pen = MakePen(colors.ColorLineOtmetchick);
+    const int count = std::clamp(s.ShaftMarkCount, 0, kMaxShaftMarks);
+    for (int i = 0; i < count; ++i) {
+      const double x = SampleToX(s.ShaftMarks[static_cast<size_t>(i)], s.ViewFirst, v.PixelsPerSample);
+      if (x < 0.0 || x > w) continue;
+      const int xi = RoundHalfEven(x);
+      list.add(Line{xi, 0, xi, h, pen});
     }
-    v.RotorSpeedText = RotorSpeedText(v.speed);
   }
 
   if (o.LineZero) {
     const int y = s.channels.ChannelY[current];
-    list.add(Line{0, y, w, y, MakePen(o.colors.ColorLineY0Signal)});
+    list.add(Line{0, y, w, y, MakePen(colors.ColorLineY0Signal)});
   }
 
   if (o.ScaleX && ChannelRateHz(s) > 0.0) {
     const double step = NiceTimeStep(w / (ChannelRateHz(s) * v.PixelsPerSample));
     // No step for more than ten hours in view: the picture ends here.
     if (step <= 0.0) return list;
-    DrawTimeGrid(s, o, v, fm, step, list);
+    DrawTimeGrid(s, v, fm, step, list);
   }
 
   DrawUserMarkers(s, v, fm, list);
 
-  const int activeCount = ActiveUsedCount(s);
   for (int c = 1; c <= ChannelCount(s); ++c) {
     if (s.channels.Active[c] != 1 || s.channels.Channel[c] != 1) continue;
-    if (s.channels.ChannelY[c] == kChannelUnplaced) s.channels.ChannelY[c] = RoundHalfEven(h / 2.0);
-    if (s.channels.ChannelYm[c] <= 0)
-      s.channels.ChannelYm[c] = AutoChannelYm(s.SignalMaxValue[c], s.channels.Ku[c], s.channels.Volume[c], activeCount);
     const double ppu = PixelsPerUnitFor(h, s.channels.Volume[c], s.channels.ChannelYm[c]);
-    v.PixelsPerUnit = ppu;
-    if (c == current) {
-      v.PixelsPerUnitFirst = ppu;
-      SetChannelUnit(s, s.channels.ChannelYm[c]);
-      if (o.ScaleY) DrawLevelGrid(s, o, v, fm, c, list);
-    }
+    if (c == current && o.ScaleY) DrawLevelGrid(s, v, fm, c, list);
     if (s.channels.Type[c] == sensor::ShaftMarker && markerChannel != 0) {
       const int markerY = s.channels.ChannelY[markerChannel];
+      const OtmetchickOptions& detector = s.options.otmetchick;
       if (o.Otmetchick) {
-        const int level = o.OtmetchickAuto != 0 ? v.speed.OtmetchickLevel : o.OtmetchickLevel;
-        DrawThreshold(v, RoundHalfEven(markerY - level * ppu), o.colors.ColorLinePorogOtmetchick,
+        const int level = detector.OtmetchickAuto != 0 ? v.speed.OtmetchickLevel : detector.OtmetchickLevel;
+        DrawThreshold(v, RoundHalfEven(markerY - level * ppu), colors.ColorLinePorogOtmetchick,
                       QStringLiteral("Порог срабатывания отметчика"), list);
       }
       if (s.InputMode == 3) {
-        DrawThreshold(v, RoundHalfEven(markerY - s.SynchroAdPorog * ppu), o.colors.ColorLineSynchro,
+        DrawThreshold(v, RoundHalfEven(markerY - s.SynchroAdPorog * ppu), colors.ColorLineSynchro,
                       QStringLiteral("Порог срабатывания синхронизации"), list);
       }
     }
     DrawTrace(s, v, c, ppu, list);
   }
 
-  if (o.BeginPoint && BeginPointApplies(s.channels.Type[current], o.StatusFilterConst, s.AccountOffset)) {
+  if (o.BeginPoint && BeginPointApplies(s.channels.Type[current], s.options.parameters.StatusFilterConst, s.AccountOffset)) {
     const int y = RoundHalfEven(s.channels.ChannelY[current] -
                                 CodesToUnits(s.channels, current, s.channels.KS[current]) * v.PixelsPerUnitFirst);
-    list.add(Line{0, y, w, y, MakePen(o.colors.ColorBeginPoint, 1, DashStyle::Dash)});
+    list.add(Line{0, y, w, y, MakePen(colors.ColorBeginPoint, 1, DashStyle::Dash)});
   }
 
   BuildSelectRegion(s, v, list);
-  list.add(Rect{0, 0, w, h, MakePen(o.colors.ColorGrid), false, 0});
+  list.add(Rect{0, 0, w, h, MakePen(colors.ColorGrid), false, 0});
   return list;
 }
 
-DrawList BuildSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v, const FontMetrics& fm) {
-  if (v.W >= kMinPicturePx && v.H >= kMinPicturePx) v.speed = RunOtmetchick(s, o);
-  return DrawSignal(s, o, v, fm);
+DrawList BuildSignal(AppState& s, SignalViewState& v, const FontMetrics& fm) {
+  if (v.W >= kMinPicturePx && v.H >= kMinPicturePx) v.speed = RunOtmetchick(s);
+  PrepareSignal(s, v);
+  return DrawSignal(s, v, fm);
 }
 
 void BuildSelectRegion(const AppState& s, const SignalViewState& v, DrawList& list) {

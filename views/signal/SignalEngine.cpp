@@ -20,18 +20,18 @@ void ThinChannel(const AppState& s, int channel, int widthPx, int heightPx, int 
                          s.channels.Zero.data(), s.channels.Volume.data(), offsets.data(), columns.data());
 }
 
-RotorSpeed RunOtmetchick(AppState& s, const SignalViewOptions& o) {
+RotorSpeed RunOtmetchick(AppState& s) {
   RotorSpeed speed;
-  speed.OtmetchickLevel = o.OtmetchickLevel;
-  speed.OtmetchickDirect = o.OtmetchickDirect;
+  speed.OtmetchickLevel = s.options.otmetchick.OtmetchickLevel;
+  speed.OtmetchickDirect = s.options.otmetchick.OtmetchickDirect;
   PerChannel<int32_t> used = s.channels.Channel;
   for (int c = ChannelCount(s) + 1; c <= kMaxChannels; ++c) used[c] = 0;
   int32_t count = 0;
   Otmetchick(s.SignalData.data(), std::clamp(s.SignalDataN, 0, kMaxSamples), used.data(), s.channels.Type.data(),
              &count, s.ShaftMarks.data(), s.FreqDesc, s.FreqRotorN, &speed.RotorSpeedMin, &speed.RotorSpeedMax,
-             &speed.RotorPercentMin, &speed.RotorPercentMax, o.OtmetchickAuto, &speed.OtmetchickLevel,
-             &speed.OtmetchickDirect, s.ViewFirst, s.ViewLast, s.SelectFirst, s.SelectLast, o.OtmetchickDrebezg,
-             o.OtmetchickNoise);
+             &speed.RotorPercentMin, &speed.RotorPercentMax, s.options.otmetchick.OtmetchickAuto, &speed.OtmetchickLevel,
+             &speed.OtmetchickDirect, s.ViewFirst, s.ViewLast, s.SelectFirst, s.SelectLast, s.options.otmetchick.OtmetchickDrebezg,
+             s.options.otmetchick.OtmetchickNoise);
   s.ShaftMarkCount = std::clamp(count, 0, kMaxShaftMarks);
   return speed;
 }

@@ -19,6 +19,6 @@ void ThinChannel(const AppState& s, int channel, int widthPx, int heightPx, int 
 
 // Otmetchick over the current range: fills ShaftMarks and ShaftMarkCount and
 // returns speeds, and level and direction when the detector sets them itself.
-RotorSpeed RunOtmetchick(AppState& s, const SignalViewOptions& o);
+RotorSpeed RunOtmetchick(AppState& s);
 
 }  // namespace aqx::views

@@ -107,9 +107,26 @@ QString TimeText(double seconds) {
   return text;
 }
 
-double ClockOffsetSeconds(const AppState& s, const SignalViewOptions& o) {
+SignalCursor CursorOf(const AppState& s) {
+  switch (s.options.signal.Cursor) {
+    case 0: return SignalCursor::Free;
+    case 1: return SignalCursor::Bound;
+    default: return SignalCursor::None;
+  }
+}
+
+void SetCursorSetting(AppState& s, SignalCursor cursor) {
+  s.options.signal.Cursor = cursor == SignalCursor::Free ? 0 : cursor == SignalCursor::Bound ? 1 : -1;
+}
+
+BgrColor ViewBackground(const AppState& s) {
+  const auto& kit = s.options.config.ColorBackKit;
+  return ColorBackBgr(kit[static_cast<size_t>(std::clamp(s.options.config.ColorBackKitSel, 0, kColorBackKitSets - 1))]);
+}
+
+double ClockOffsetSeconds(const AppState& s) {
   double seconds = 0.0;
-  if (o.ViewRealTime) {
+  if (s.options.parameters.ViewRealTime) {
     const QDateTime start = OleToDateTime(s.object.RecordDate);
     if (start.isValid()) seconds += start.time().msecsSinceStartOfDay() / 1000.0;
   }
@@ -120,9 +137,9 @@ double ClockOffsetSeconds(const AppState& s, const SignalViewOptions& o) {
   return seconds;
 }
 
-double SampleSeconds(const AppState& s, const SignalViewOptions& o, double sample) {
+double SampleSeconds(const AppState& s, double sample) {
   const double rate = ChannelRateHz(s);
-  return sample / (rate > 0.0 ? rate : 1.0) + ClockOffsetSeconds(s, o);
+  return sample / (rate > 0.0 ? rate : 1.0) + ClockOffsetSeconds(s);
 }
 
 QString RotorSpeedText(const RotorSpeed& speed) {

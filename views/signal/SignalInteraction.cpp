@@ -72,9 +72,9 @@ SignalAction& SignalAction::operator|=(const SignalAction& o) {
   return *this;
 }
 
-bool CrossPointer(const SignalViewOptions& o) { return o.Cursor != SignalCursor::None; }
+bool CrossPointer(const AppState& s) { return CursorOf(s) != SignalCursor::None; }
 
-SignalAction MouseDown(AppState& s, const SignalViewOptions& o, SignalViewState& v, MouseButton b, double x,
+SignalAction MouseDown(AppState& s, SignalViewState& v, MouseButton b, double x,
                        double y) {
   SignalAction a;
   if (b == MouseButton::Right) {
@@ -84,14 +84,14 @@ SignalAction MouseDown(AppState& s, const SignalViewOptions& o, SignalViewState&
   if (b != MouseButton::Left) return a;
   v.DragX = RoundHalfEven(std::max(0.0, x));
   v.DragY = RoundHalfEven(std::max(0.0, y));
-  if (o.Cursor == SignalCursor::None) {
+  if (CursorOf(s) == SignalCursor::None) {
     ClearSelection(s);
     a.cheapRefresh = a.redraw = a.statusBar = true;
   }
   return a;
 }
 
-SignalAction MouseMove(AppState& s, const SignalViewOptions& o, SignalViewState& v, double x, double y,
+SignalAction MouseMove(AppState& s, SignalViewState& v, double x, double y,
                        bool leftHeld) {
   SignalAction a;
   x = std::max(0.0, x);
@@ -99,13 +99,13 @@ SignalAction MouseMove(AppState& s, const SignalViewOptions& o, SignalViewState&
   const int current = CurrentChannel(s);
   const int n = SignalN(s);
 
-  if (o.Cursor != SignalCursor::None && !leftHeld) {
+  if (CursorOf(s) != SignalCursor::None && !leftHeld) {
     if (x > v.W || y > v.H) return a;
     v.CursorX = RoundHalfEven(x);
     v.CursorSample = XToSample(v.CursorX, v.HScroll1, v.ScrollStep, v.PixelsPerSample);
     a.crosshair = a.statusBar = true;
     const bool inStore = v.CursorSample >= 1 && v.CursorSample <= n;
-    if (o.Cursor == SignalCursor::Free) {
+    if (CursorOf(s) == SignalCursor::Free) {
       v.CursorY = RoundHalfEven(y);
       const double ppu = v.PixelsPerUnitFirst != 0.0 ? v.PixelsPerUnitFirst : 1.0;
       const double value = (s.channels.ChannelY[current] - y) / ppu / Divisor(s);
@@ -114,14 +114,14 @@ SignalAction MouseMove(AppState& s, const SignalViewOptions& o, SignalViewState&
     }
     // A sample beyond the store ends the event without a word.
     if (!inStore) return a;
-    if (o.ColorPropertyOpen) {
+    if (v.ColorPropertyOpen) {
       for (int c = 1; c <= ChannelCount(s); ++c) {
         if (s.channels.Active[c] != 1 || s.channels.Channel[c] != 1) continue;
         v.ColorPropertyValues[c] = FormatGrouped(CursorReading(s, c, v.CursorSample) / Divisor(s));
       }
       a.colorProperty = true;
     }
-    if (o.Cursor == SignalCursor::Bound) {
+    if (CursorOf(s) == SignalCursor::Bound) {
       const double reading = CursorReading(s, current, v.CursorSample);
       // The line sits on the trace: the reading before the unit's divisor.
       v.CursorY = RoundHalfEven(s.channels.ChannelY[current] - reading * v.PixelsPerUnitFirst);
@@ -132,7 +132,7 @@ SignalAction MouseMove(AppState& s, const SignalViewOptions& o, SignalViewState&
     return a;
   }
 
-  if (o.Cursor != SignalCursor::None && leftHeld) {
+  if (CursorOf(s) != SignalCursor::None && leftHeld) {
     v.CursorValueText.clear();
     const int first = s.ViewFirst;
     const int last = s.ViewLast;
@@ -149,7 +149,7 @@ SignalAction MouseMove(AppState& s, const SignalViewOptions& o, SignalViewState&
     return a;
   }
 
-  if (o.Cursor == SignalCursor::None && leftHeld && v.DragX >= 0 && v.SliderH > 0) {
+  if (CursorOf(s) == SignalCursor::None && leftHeld && v.DragX >= 0 && v.SliderH > 0) {
     v.DragLock = true;
     const double pps = v.PixelsPerSample > 0 ? v.PixelsPerSample : 1.0;
     if (RoundHalfEven(x) != v.DragX) {
@@ -164,7 +164,7 @@ SignalAction MouseMove(AppState& s, const SignalViewOptions& o, SignalViewState&
   return a;
 }
 
-SignalAction MouseUp(AppState&, const SignalViewOptions&, SignalViewState& v) {
+SignalAction MouseUp(AppState&, SignalViewState& v) {
   v.DragX = -1;
   v.DragY = -1;
   SignalAction a;
@@ -223,8 +223,8 @@ SignalAction SliderVChanged(AppState& s, SignalViewState& v, int position) {
   return a;
 }
 
-SignalAction SetTypeCursorViewSignal(AppState& s, SignalViewOptions& o, SignalViewState& v, SignalCursor entry) {
-  o.Cursor = o.Cursor == entry ? SignalCursor::None : entry;
+SignalAction SetTypeCursorViewSignal(AppState& s, SignalViewState& v, SignalCursor entry) {
+  SetCursorSetting(s, CursorOf(s) == entry ? SignalCursor::None : entry);
   ClearSelection(s);
   v.CursorValueText.clear();
   SignalAction a;
@@ -232,21 +232,21 @@ SignalAction SetTypeCursorViewSignal(AppState& s, SignalViewOptions& o, SignalVi
   return a;
 }
 
-SignalAction SignalLineCenter(SignalViewOptions& o) {
-  o.LineCenter = !o.LineCenter;
+SignalAction SignalLineCenter(AppState& s) {
+  s.options.signal.LineCenter = !s.options.signal.LineCenter;
   SignalAction a;
   a.optionsChanged = a.redraw = true;
   return a;
 }
 
-SignalAction SignalBeginPoint(SignalViewOptions& o) {
-  o.BeginPoint = !o.BeginPoint;
+SignalAction SignalBeginPoint(AppState& s) {
+  s.options.signal.BeginPoint = !s.options.signal.BeginPoint;
   SignalAction a;
   a.optionsChanged = a.redraw = true;
   return a;
 }
 
-SignalAction StatusPanelClicked(AppState& s, SignalViewOptions& o, SignalViewState& v, SignalPanel panel,
+SignalAction StatusPanelClicked(AppState& s, SignalViewState& v, SignalPanel panel,
                                 MouseButton b) {
   const bool left = b == MouseButton::Left;
   if (!left && b != MouseButton::Right) return {};
@@ -260,9 +260,9 @@ SignalAction StatusPanelClicked(AppState& s, SignalViewOptions& o, SignalViewSta
       if (!left && v.SliderH > 0) return SliderHChanged(s, v, v.SliderH - 1, false);
       return {};
     case SignalPanel::Center:
-      return SignalLineCenter(o);
+      return SignalLineCenter(s);
     case SignalPanel::Cursor:
-      return SetTypeCursorViewSignal(s, o, v, left ? SignalCursor::Free : SignalCursor::Bound);
+      return SetTypeCursorViewSignal(s, v, left ? SignalCursor::Free : SignalCursor::Bound);
     case SignalPanel::Y0: {
       const int current = CurrentChannel(s);
       const int middle = v.H / 2;
@@ -275,21 +275,21 @@ SignalAction StatusPanelClicked(AppState& s, SignalViewOptions& o, SignalViewSta
     }
     case SignalPanel::BeginPoint: {
       const int current = CurrentChannel(s);
-      if (!BeginPointApplies(s.channels.Type[current], o.StatusFilterConst, s.AccountOffset)) return {};
-      return SignalBeginPoint(o);
+      if (!BeginPointApplies(s.channels.Type[current], s.options.parameters.StatusFilterConst, s.AccountOffset)) return {};
+      return SignalBeginPoint(s);
     }
     default:
       return {};
   }
 }
 
-SignalStatus OutInfoToStatusBar(AppState& s, const SignalViewOptions& o, const SignalViewState& v) {
+SignalStatus OutInfoToStatusBar(AppState& s, const SignalViewState& v) {
   SignalStatus st;
   const int current = CurrentChannel(s);
   SetChannelUnit(s, s.channels.ChannelYm[current]);
   const double divisor = Divisor(s);
   auto set = [&](SignalPanel p, const QString& text) { st.text[static_cast<size_t>(p)] = text; };
-  auto time = [&](double sample) { return TimeText(SampleSeconds(s, o, sample)); };
+  auto time = [&](double sample) { return TimeText(SampleSeconds(s, sample)); };
 
   const double dimension = s.channels.ChannelYm[current] / divisor;
   const QString dimensionText =
@@ -298,7 +298,7 @@ SignalStatus OutInfoToStatusBar(AppState& s, const SignalViewOptions& o, const S
   set(SignalPanel::Scale, QStringLiteral("M: ") + QString::number(qint64{1} << std::clamp(v.SliderH, 0, 40)) + QStringLiteral(":1 "));
   set(SignalPanel::Window, QStringLiteral("W: ") + time(s.ViewFirst) + QStringLiteral(" - ") + time(s.ViewLast) + QStringLiteral(" "));
   set(SignalPanel::Center, QStringLiteral("F: ") + time(v.CentreSample) + QStringLiteral(" "));
-  switch (o.Cursor) {
+  switch (CursorOf(s)) {
     case SignalCursor::Free: set(SignalPanel::Cursor, QStringLiteral("C1: ") + time(v.CursorSample) + QStringLiteral(" ")); break;
     case SignalCursor::Bound: set(SignalPanel::Cursor, QStringLiteral("C2: ") + time(v.CursorSample) + QStringLiteral(" ")); break;
     case SignalCursor::None: set(SignalPanel::Cursor, QStringLiteral("C0: - ")); break;
@@ -318,7 +318,7 @@ SignalStatus OutInfoToStatusBar(AppState& s, const SignalViewOptions& o, const S
   }
   const int percent = v.H > 0 ? RoundHalfEven(100.0 * s.channels.ChannelY[current] / v.H) : 0;
   set(SignalPanel::Y0, QStringLiteral("Y0: ") + QString::number(percent) + QStringLiteral("% "));
-  st.beginPointEnabled = BeginPointApplies(s.channels.Type[current], o.StatusFilterConst, s.AccountOffset);
+  st.beginPointEnabled = BeginPointApplies(s.channels.Type[current], s.options.parameters.StatusFilterConst, s.AccountOffset);
   if (st.beginPointEnabled) {
     set(SignalPanel::BeginPoint, QStringLiteral("BP: ") + FormatGrouped(CodesToUnits(s.channels, current, s.channels.KS[current])) +
                                      QStringLiteral(" мкм "));

@@ -23,7 +23,7 @@ struct SignalWindowHooks {
 
 // Fills SignalSetMaxValueMas, SignalAccountChannelY0, BuildSignal and
 // SignalStatusBarParameter. The references must outlive the registry's use.
-void InstallSignalView(ViewRegistry& registry, AppState& s, SignalViewOptions& o, SignalViewState& v,
+void InstallSignalView(ViewRegistry& registry, AppState& s, SignalViewState& v,
                        AnalysisResults& r, SignalWindowHooks hooks);
 
 }  // namespace aqx::views

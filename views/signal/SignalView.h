@@ -19,54 +19,17 @@ namespace aqx::views {
 inline constexpr int kChannelUnplaced = 1000000;  // ChannelY before the first layout
 inline constexpr int kMinPicturePx = 50;           // smaller pictures are not drawn
 
-// ---------------------------------------------------------------------------
-// Options read at each drawing. The window fills them from the settings store
-// (sections Signal, Parameters, Otmetchick, Color) and from its menu checks.
-// ---------------------------------------------------------------------------
-
+// The view reads its options from the state: section Signal
+// (s.options.signal), the option sheet (s.options.parameters), the detector
+// (s.options.otmetchick) and the colours (s.options.color).
 enum class SignalCursor { None, Free, Bound };  // mnuSignalCursor: neither, "Свободный", "Привязанный"
 
-struct SignalColors {
-  BgrColor ColorLineOtmetchick = 0x0000FF;
-  BgrColor ColorLinePorogOtmetchick = 0x008000;
-  BgrColor ColorLineCenterSignal = 0x808080;
-  BgrColor ColorBeginPoint = 0xFF0000;
-  BgrColor ColorLineY0Signal = 0x000000;
-  BgrColor ColorGrid = 0xC0C0C0;
-  BgrColor ColorLineSynchro = 0x800080;
-  BgrColor ColorText = 0x000000;
-  BgrColor Background = 0xFFFFFF;  // of the chosen background colour set
-};
-
-struct SignalViewOptions {
-  // Section Signal.
-  bool StatusBarParameter = true;
-  bool Control = true;
-  bool StatusBar = true;
-  bool ScaleX = true;
-  bool ScaleY = true;
-  SignalCursor Cursor = SignalCursor::None;
-  bool Otmetchick = true;
-  bool OtmetchickLine = true;
-  bool LineCenter = false;
-  bool LineZero = true;
-  bool BeginPoint = false;
-  // Section Parameters.
-  bool AutoY0 = true;
-  bool ViewRealTime = false;
-  bool StatusFilterConst = true;
-  bool SignalParameterMax = true;
-  // Section Otmetchick: detector settings handed to the engine; with
-  // OtmetchickAuto the engine writes level and direction back.
-  int OtmetchickAuto = 1;
-  int OtmetchickLevel = 100;
-  int OtmetchickDirect = 1;
-  int OtmetchickDrebezg = 10;
-  int OtmetchickNoise = 100;
-  SignalColors colors;
-  // frmViewColorProperty is open: a cursor move fills ColorPropertyValues.
-  bool ColorPropertyOpen = false;
-};
+// The cursor setting (key Cursor: -1 none, 0 free, 1 bound) as the view
+// uses it, and back.
+SignalCursor CursorOf(const AppState& s);
+void SetCursorSetting(AppState& s, SignalCursor cursor);
+// The pictures' background: the colour set ColorBackKitSel.
+BgrColor ViewBackground(const AppState& s);
 
 // Results of the shaft marker detector for the drawn range. With
 // OtmetchickAuto the detector's own level and direction come back here.
@@ -126,6 +89,9 @@ struct SignalViewState {
   QString RotorSpeedText;
   bool FreqRotorVisible = false;
 
+  // frmViewColorProperty is open: a cursor move fills ColorPropertyValues.
+  bool ColorPropertyOpen = false;
+
   // One parameter line per channel for the copy header.
   PerChannel<QString> ChannelParameterText;
   // Value texts for frmViewColorProperty, per active channel, from the last
@@ -167,9 +133,9 @@ int AutoChannelYm(int signalMaxValue, float ku, int volume, int activeCount);
 QString TimeText(double seconds);
 // What the view's clock adds to a time from the start of the store: the
 // recording's time of day with ViewRealTime, the block's place in SolidMode.
-double ClockOffsetSeconds(const AppState& s, const SignalViewOptions& o);
+double ClockOffsetSeconds(const AppState& s);
 // Seconds of the view's clock at a sample: sample / FreqDesc plus the offset.
-double SampleSeconds(const AppState& s, const SignalViewOptions& o, double sample);
+double SampleSeconds(const AppState& s, double sample);
 // The speed text of the status panel FreqRotor and the parameter bar.
 QString RotorSpeedText(const RotorSpeed& speed);
 
@@ -191,15 +157,18 @@ void SetY0(AppState& s, SignalViewState& v);
 // Controls in line with a new FirstChannelActive.
 void RefreshElementsImposition(const AppState& s, SignalViewState& v);
 // Equal bands and auto scales (only with AutoY0).
-void AccountChannelY0(AppState& s, const SignalViewOptions& o, SignalViewState& v);
+void AccountChannelY0(AppState& s, SignalViewState& v);
 
-// The whole picture: runs the shaft marker detector for the current range,
-// then draws in the fixed order. W or H below 50 gives an empty list.
-DrawList BuildSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v, const FontMetrics& fm);
-// The drawing alone, on results already in the state (ShaftMarks, speed).
-// Places unplaced channels, sets PixelsPerSample, PixelsPerUnitFirst, the
-// unit, and clears the cursor memory.
-DrawList DrawSignal(AppState& s, const SignalViewOptions& o, SignalViewState& v, const FontMetrics& fm);
+// What a drawing needs in the state and the window: places unplaced
+// channels, sets PixelsPerSample, PixelsPerUnitFirst, the unit and the speed
+// text, and clears the cursor memory. The shaft marks are taken as they are.
+void PrepareSignal(AppState& s, SignalViewState& v);
+// The picture in the fixed order, from a prepared state. W or H below 50
+// gives an empty list.
+DrawList DrawSignal(const AppState& s, const SignalViewState& v, const FontMetrics& fm);
+// The shaft marker detector for the current range, PrepareSignal and
+// DrawSignal.
+DrawList BuildSignal(AppState& s, SignalViewState& v, const FontMetrics& fm);
 // The selection as an inverted region (appended to a list).
 void BuildSelectRegion(const AppState& s, const SignalViewState& v, DrawList& list);
 // The cross-hair at CursorX, CursorY, drawn inverted over the picture.
@@ -219,7 +188,7 @@ struct SignalStatus {
 };
 
 // The panel texts (calls SetChannelUnit first).
-SignalStatus OutInfoToStatusBar(AppState& s, const SignalViewOptions& o, const SignalViewState& v);
+SignalStatus OutInfoToStatusBar(AppState& s, const SignalViewState& v);
 
 // ---------------------------------------------------------------------------
 // Events. Each returns what the window must do afterwards, in this order:
@@ -242,24 +211,24 @@ struct SignalAction {
 
 enum class MouseButton { Left, Right, Other };
 
-SignalAction MouseDown(AppState& s, const SignalViewOptions& o, SignalViewState& v, MouseButton b, double x, double y);
+SignalAction MouseDown(AppState& s, SignalViewState& v, MouseButton b, double x, double y);
 // leftHeld: the left button is down during the move.
-SignalAction MouseMove(AppState& s, const SignalViewOptions& o, SignalViewState& v, double x, double y, bool leftHeld);
-SignalAction MouseUp(AppState& s, const SignalViewOptions& o, SignalViewState& v);
+SignalAction MouseMove(AppState& s, SignalViewState& v, double x, double y, bool leftHeld);
+SignalAction MouseUp(AppState& s, SignalViewState& v);
 // finished: the scroll bar was released (Change), not dragged (Scroll).
 SignalAction HScrollChanged(AppState& s, SignalViewState& v, int position, bool finished);
 SignalAction VScrollChanged(AppState& s, SignalViewState& v, int position);
 // scrolling: the thumb is still being dragged (only the tooltip follows).
 SignalAction SliderHChanged(AppState& s, SignalViewState& v, int position, bool scrolling);
 SignalAction SliderVChanged(AppState& s, SignalViewState& v, int position);
-SignalAction StatusPanelClicked(AppState& s, SignalViewOptions& o, SignalViewState& v, SignalPanel panel, MouseButton b);
+SignalAction StatusPanelClicked(AppState& s, SignalViewState& v, SignalPanel panel, MouseButton b);
 // SetTypeCursorViewSignal: flips entry Free or Bound, clears the selection.
-SignalAction SetTypeCursorViewSignal(AppState& s, SignalViewOptions& o, SignalViewState& v, SignalCursor entry);
+SignalAction SetTypeCursorViewSignal(AppState& s, SignalViewState& v, SignalCursor entry);
 // SignalLineCenter, SignalBeginPoint.
-SignalAction SignalLineCenter(SignalViewOptions& o);
-SignalAction SignalBeginPoint(SignalViewOptions& o);
+SignalAction SignalLineCenter(AppState& s);
+SignalAction SignalBeginPoint(AppState& s);
 // Pointer over the picture: true for the cross icon.
-bool CrossPointer(const SignalViewOptions& o);
+bool CrossPointer(const AppState& s);
 
 // ---------------------------------------------------------------------------
 // FormResize: where the bars go in the window's inner area.
@@ -282,6 +251,6 @@ struct SignalBarSizes {
   int sliderPx = 24;
 };
 
-SignalLayout FormResize(int innerWidthPx, int innerHeightPx, const SignalViewOptions& o, const SignalBarSizes& bars = {});
+SignalLayout FormResize(int innerWidthPx, int innerHeightPx, const SignalOptions& o, const SignalBarSizes& bars = {});
 
 }  // namespace aqx::views
