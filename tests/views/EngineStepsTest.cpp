@@ -66,7 +66,12 @@ TEST(EngineSteps, RefreshDeliversPictureStatusAndParameterBar) {
   SignalWindowHooks hooks;
   hooks.showPicture = [&](DrawList&& list) {
     ++pictures;
-    EXPECT_EQ(TracesOf(list).size(), 1u);
+    // 32768 samples on 640 pixels: thinned to two points a column, as a
+    // redraw outside the refresh draws them.
+    ASSERT_EQ(TracesOf(list).size(), 1u);
+    EXPECT_EQ(TracesOf(list)[0].xs.size(), 2u * 640 + 1);
+    SignalViewState again = v;
+    EXPECT_EQ(TracesOf(BuildSignal(*s, again, FontMetrics{}))[0].ys, TracesOf(list)[0].ys);
   };
   hooks.showStatus = [&](SignalStatus&& st) { shownStatus = std::move(st); };
   hooks.showParameterBar = [&](ParameterBar&& bar) { shownBar = std::move(bar); };

@@ -21,7 +21,10 @@ void InstallSignalView(ViewRegistry& registry, AppState& s, SignalViewState& v,
   registry[RefreshStep::BuildSignal] = [&s, &v, &r, h] {
     // The refresh has just run the detector on this stretch.
     const bool marksFresh = r.speedStretch == DetectorStretch(s);
-    if (marksFresh) v.speed = r.speed;
+    if (marksFresh) {
+      v.speed = r.speed;
+      PrepareSignal(s, v);
+    }
     DrawList picture = marksFresh ? DrawSignal(s, v, h->fm) : BuildSignal(s, v, h->fm);
     if (h->showPicture) h->showPicture(std::move(picture));
     if (h->showStatus) h->showStatus(OutInfoToStatusBar(s, v));
