@@ -70,6 +70,15 @@ int FirstUsedChannel(const AppState& s) {
   return 0;
 }
 
+int32_t AcquiredRows(const AppState& s) {
+  const int rows = std::clamp(s.SignalDataN, 0, kMaxSamples);
+  const int channels = ChannelCount(s);
+  for (int r = rows; r >= 1; --r)
+    for (int c = 1; c <= channels; ++c)
+      if (s.channels.Channel[c] == 1 && s.SignalData.at(r, c) != 0) return r == rows ? 0 : r;
+  return rows > 0 ? 1 : 0;
+}
+
 double ChannelRateHz(const AppState& s) {
   if (s.SolidMode && s.ChannelUsedCount > 0 && s.FreqADC > 0)
     return static_cast<double>(s.FreqADC) / s.ChannelUsedCount / std::max(s.SolidBlockM, 1);
@@ -162,11 +171,17 @@ const UnitRow* UnitRowOfType(int type) {
 void SetChannelUnit(AppState& s, double value) {
   const int c = s.FirstChannelActive;
   if (c < 1 || c > kMaxChannels) return;
-  const UnitRow* row = UnitRowOfType(s.channels.Type[c]);
-  if (!row) return;
+  if (const std::optional<LevelUnit> unit = UnitOfLevel(s.channels.Type[c], value)) {
+    s.UnitName = unit->name;
+    s.UnitDivisor = unit->divisor;
+  }
+}
+
+std::optional<LevelUnit> UnitOfLevel(int type, double value) {
+  const UnitRow* row = UnitRowOfType(type);
+  if (!row) return std::nullopt;
   const int step = value < 5000 ? 0 : value < 50000 ? 1 : value < 5000000 ? 2 : 3;
-  s.UnitName = QString::fromUtf8(row->names[step]);
-  s.UnitDivisor = row->divisors[step];
+  return LevelUnit{QString::fromUtf8(row->names[step]), row->divisors[step]};
 }
 
 bool IsModuleRate(int32_t freqADC) { return freqADC >= kMinFreqADC && freqADC <= kMaxFreqADC; }

@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <array>
+#include <optional>
 #include <cstdint>
 #include <memory>
 
@@ -59,9 +60,14 @@ class SampleStore {
   int16_t at(int sample, int channel) const {
     return codes_[static_cast<size_t>(sample - 1) * kColumns + static_cast<size_t>(channel - 1)];
   }
+  // Counts the times the samples were replaced (a load, a block, a run's
+  // cycle, an edit), so that what views keep of them knows when it is old.
+  void markWritten() { ++writes_; }
+  uint64_t writeCount() const { return writes_; }
 
  private:
   std::unique_ptr<int16_t[]> codes_;
+  uint64_t writes_ = 0;
 };
 
 enum ViewWindow : int {
@@ -168,6 +174,9 @@ struct StateValues {
 
   // The sample window the views work on (the samples are AppState's).
   int32_t SignalDataN = 32768;
+  // During a cyclic run, the rows of the cycle acquired so far while it is
+  // not yet full; 0 when every row of the store holds signal.
+  int32_t RunRowsAcquired = 0;
   int32_t ChannelUsedCount = 0;
   int32_t ViewFirst = 1;
   int32_t ViewLast = 32768;
@@ -228,6 +237,10 @@ int ActiveUsedCount(const AppState& s);
 // First recorded channel, or 0.
 int FirstUsedChannel(const AppState& s);
 
+// The rows a cycle being acquired holds so far: the module fills it from row
+// 1 and leaves the rest zero until it is full. 0 when it is full.
+int32_t AcquiredRows(const AppState& s);
+
 // Block rule: after SignalDataN or FreqDesc change, StepDesc and
 // SpectrLineCount follow BlockSizeFFT (0 leaves them alone).
 void ApplyBlockRule(AppState& s);
@@ -247,6 +260,13 @@ void ClearApplicationData(AppState& s);
 // Sets UnitName and UnitDivisor for a level in display units of the type of
 // FirstChannelActive.
 void SetChannelUnit(AppState& s, double value);
+// The same rule for any channel type, leaving the state alone; nullopt for
+// a type with no unit.
+struct LevelUnit {
+  QString name;
+  double divisor = 1.0;
+};
+std::optional<LevelUnit> UnitOfLevel(int type, double value);
 
 // A total conversion rate the module can run at, and what the user is told
 // about one it cannot.

@@ -54,6 +54,7 @@ bool OpenFile(OpenFileContext& ctx, const QString& path) {
     s.PathFileData = previousPath;
     return false;
   }
+  s.SignalData.markWritten();
   s.DataSaved = true;
 
   Run(ctx.hooks.detectShaftMarker, s);

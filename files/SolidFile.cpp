@@ -106,6 +106,7 @@ int32_t SubReadSolidBlock(AppState& s, Prompts& p) {
       ReadSolidBlock(s.SignalDataN, s.ChannelUsedCount, s.SolidDataStart, s.SolidBlockN, path.constData(),
                      s.ChannelDifferential, s.channels.Channel.data(), s.SignalData.data(), s.SolidBlockM);
   p.closeNotice();
+  s.SignalData.markWritten();
   if (result != 0) ShowEngineError(p, result);
   return result;
 }

@@ -136,6 +136,18 @@ TEST_F(StateTest, SetChannelUnitKeepsItsTableAsItStands) {
   EXPECT_EQ(s.UnitName, QStringLiteral("г"));
 }
 
+TEST_F(StateTest, AcquiredRowsOfACycleFillingFromTheTop) {
+  s.SignalDataN = 100;
+  for (int c = 1; c <= kMaxChannels; ++c) s.channels.Channel[c] = c == 1 || c == 4;
+  for (int i = 1; i <= 100; ++i) s.SignalData.at(i, 1) = s.SignalData.at(i, 4) = 0;
+  EXPECT_EQ(AcquiredRows(s), 1) << "nothing yet";
+  s.SignalData.at(30, 4) = -5;
+  s.SignalData.at(31, 2) = 7;  // a channel not in use does not count
+  EXPECT_EQ(AcquiredRows(s), 30);
+  s.SignalData.at(100, 1) = 1;
+  EXPECT_EQ(AcquiredRows(s), 0) << "full";
+}
+
 TEST_F(StateTest, ReadingsUseGainZeroAndAGuardedFactor) {
   s.channels.Ku[1] = 2.5f;
   s.channels.Zero[1] = 10;

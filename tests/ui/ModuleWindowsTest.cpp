@@ -23,7 +23,7 @@ TEST(InfoAdcWindow, TellsTheLibraryAndTheModule) {
   ScriptedPrompts prompts;
   ui::InfoAdcWindow window(prompts);
   const QString text = window.text();
-  EXPECT_TRUE(text.startsWith(QStringLiteral("Библиотека Aquilonix.dll версии %1.%2.%3\n")
+  EXPECT_TRUE(text.startsWith(QStringLiteral("Библиотека libAquilonix.so.%1 версии %1.%2.%3\n")
                                   .arg(AQX_VERSION_MAJOR)
                                   .arg(AQX_VERSION_MINOR)
                                   .arg(AQX_VERSION_PATCH)));

@@ -35,6 +35,27 @@ TEST(Workspace, TilesCoverTheAreaWithoutGaps) {
   EXPECT_EQ(ui::ThirdWindowBox({0, 300, 900, 300}), (ui::PixelBox{300, 0, 600, 600}));
 }
 
+// The cascade of the window menu once shrank the windows to 160 x 80.
+TEST(Workspace, CascadedWindowsStayUsableAndInsideTheArea) {
+  const auto boxes = ui::CascadeBoxes(1200, 800, 3, 30);
+  ASSERT_EQ(boxes.size(), 3u);
+  EXPECT_EQ(boxes[0], (ui::PixelBox{0, 0, 900, 600}));
+  EXPECT_EQ(boxes[2], (ui::PixelBox{60, 60, 900, 600}));
+  const auto many = ui::CascadeBoxes(1200, 800, 40, 30);
+  EXPECT_LE(many.back().left + many.back().width, 1200) << "steps shrink for many windows";
+  EXPECT_LE(many.back().top + many.back().height, 800);
+  EXPECT_TRUE(ui::CascadeBoxes(1200, 800, 0, 30).empty());
+}
+
+// A window left outside a workspace that shrank could not be reached.
+TEST(Workspace, AWindowOutsideAShrunkAreaComesBackInside) {
+  EXPECT_EQ(ui::FitIntoArea({100, 50, 400, 300}, 1000, 700, 200, 100), (ui::PixelBox{100, 50, 400, 300}));
+  EXPECT_EQ(ui::FitIntoArea({700, 500, 400, 300}, 800, 600, 200, 100), (ui::PixelBox{400, 300, 400, 300}));
+  EXPECT_EQ(ui::FitIntoArea({0, 0, 1600, 1000}, 800, 600, 200, 100), (ui::PixelBox{0, 0, 800, 600}));
+  EXPECT_EQ(ui::FitIntoArea({10, 10, 50, 20}, 800, 600, 200, 100), (ui::PixelBox{10, 10, 200, 100}));
+  EXPECT_EQ(ui::FitIntoArea({10, 10, 300, 300}, 150, 90, 200, 100), (ui::PixelBox{0, 0, 150, 90}));
+}
+
 TEST(Workspace, ColourSetsTintWhiteByTheirStrength) {
   EXPECT_EQ(ui::ColorBackCaptions().size(), ui::kColorBackSetCount);
   EXPECT_EQ(ui::ColorBackCaptions()[3], QStringLiteral("Осциллограф"));

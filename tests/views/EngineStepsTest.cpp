@@ -107,6 +107,27 @@ TEST(EngineSteps, ParameterWindowReadsByTheChannelsKind) {
   EXPECT_EQ(OutDataParameters(*s, *r), FormatStandard(400) + QStringLiteral(" мВ"));
 }
 
+// A selection shorter than two revolutions once read "0.00 об/мин (0%)" and
+// the marker lines outside it vanished.
+TEST(EngineSteps, AStretchOfLessThanTwoRevolutionsShowsTheWholeRecordsSpeed) {
+  auto s = Unit(4000);
+  SetTestOptions(*s);
+  s->options.otmetchick.OtmetchickAuto = 0;
+  s->options.otmetchick.OtmetchickLevel = 2000;
+  s->SelectFirst = 1000;
+  s->SelectLast = 1200;  // one mark, at 1100
+  SignalViewState v = ViewOf(*s, 400, 100);
+  const DrawList list = BuildSignal(*s, v, FontMetrics{});
+  EXPECT_TRUE(v.speed.WholeRecord);
+  EXPECT_NEAR(v.speed.RotorSpeedMin, 240.0, 0.5);
+  EXPECT_TRUE(v.RotorSpeedText.endsWith(QStringLiteral("по всей записи "))) << v.RotorSpeedText.toStdString();
+  EXPECT_EQ(LinesOf(list, kMarkerLine).size(), 16u) << "every mark of the view";
+  s->SelectLast = 1600;  // two marks: the selection's own speed
+  BuildSignal(*s, v, FontMetrics{});
+  EXPECT_FALSE(v.speed.WholeRecord);
+  EXPECT_NEAR(v.speed.RotorSpeedMin, 240.0, 0.5);
+}
+
 TEST(EngineSteps, NoRecordingAtAllStillRefreshes) {
   auto s = MakeState(1);
   for (int c = 1; c <= kMaxChannels; ++c) s->channels.Channel[c] = s->channels.Active[c] = 0;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace aqx {
 namespace {
@@ -85,7 +86,10 @@ TEST_F(DcRecording, TimeGridStepsByTheNiceStepFromTheScrollPosition) {
   std::vector<Text> labels;
   for (const Text& t : ItemsOf<Text>(list))
     if (t.color == kTextColor) labels.push_back(t);
-  ASSERT_EQ(labels.size(), 11u);
+  // The last tick's label would run past the right edge: left out whole,
+  // never cut.
+  ASSERT_EQ(labels.size(), 10u);
+  for (const Text& t : labels) EXPECT_LE(t.x + narrow.widthOf(t.utf8), kW);
   EXPECT_EQ(labels[0].utf8, "0:00:00");
   EXPECT_EQ(labels[1].utf8, "0:00:00.010");
   EXPECT_EQ(labels[1].x, 19);
@@ -111,9 +115,14 @@ TEST_F(DcRecording, LevelGridStepsATenthOfTheHeightAndAFifthOfTheScale) {
   EXPECT_EQ(ys, (std::vector<int>{40, 30, 20, 10, 0, 60, 70, 80, 90, 100}));
   std::vector<std::string> labels;
   for (const Text& t : ItemsOf<Text>(list)) labels.push_back(t.utf8);
-  EXPECT_EQ(labels, (std::vector<std::string>{"20", "40", "60", "80", "100", "-20", "-40", "-60", "-80", "-100"}));
+  // The first label names the unit; each label stands on a patch of the
+  // background drawn after the traces.
+  EXPECT_EQ(labels, (std::vector<std::string>{"20 мкм", "40", "60", "80", "100", "-20", "-40", "-60", "-80", "-100"}));
+  const auto patches = ItemsOf<Rect>(list);
+  EXPECT_EQ(std::count_if(patches.begin(), patches.end(), [&](const Rect& r) { return r.filled && r.fill == list.background; }),
+            10);
   s->channels.ChannelYm[1] = 10000;  // shown in millimetres: labels divide by the unit
-  EXPECT_EQ(ItemsOf<Text>(Draw(*s, v)).front().utf8, "2");
+  EXPECT_EQ(ItemsOf<Text>(Draw(*s, v)).front().utf8, "2 мм");
   EXPECT_EQ(s->UnitName, QStringLiteral("мм"));
 }
 
@@ -211,7 +220,8 @@ TEST_F(DcRecording, SelectionIsAnInvertedFullHeightBoxOrALineWhenNarrow) {
   s->SelectFirst = 21;
   s->SelectLast = 61;
   auto boxes = ItemsOf<Rect>(Draw(*s, v));
-  ASSERT_EQ(boxes.size(), 2u);  // the selection, then the frame
+  // Past the labels' patches: the selection, then the frame.
+  boxes.erase(boxes.begin(), boxes.end() - 2);
   EXPECT_TRUE(boxes[0].pen.xorMode && boxes[0].filled);
   // 20 * 200 / 99 and 60 * 200 / 99, full height.
   EXPECT_EQ(std::vector<int>({boxes[0].left, boxes[0].top, boxes[0].right, boxes[0].bottom}),
@@ -221,7 +231,7 @@ TEST_F(DcRecording, SelectionIsAnInvertedFullHeightBoxOrALineWhenNarrow) {
 
   s->SelectLast = 21;
   const DrawList narrow = Draw(*s, v);
-  EXPECT_EQ(ItemsOf<Rect>(narrow).size(), 1u);
+  EXPECT_FALSE(ItemsOf<Rect>(narrow).back().pen.xorMode) << "only the frame after the patches";
   const auto inverted = LinesOf(narrow, 0xFFFFFF);
   ASSERT_EQ(inverted.size(), 1u);
   EXPECT_TRUE(inverted[0].pen.xorMode);
@@ -272,8 +282,9 @@ TEST(SignalImposition, ChannelsShareTheHeightInBandsWithAutoScales) {
     s->channels.Channel[c] = 1;
     s->channels.Active[c] = 1;
     s->channels.ChannelYm[c] = -1;
-    s->SignalMaxValue[c] = 40;
     for (int i = 1; i <= 100; ++i) s->SignalData.at(i, c) = 0;
+    s->SignalData.at(50, c) = 40;  // the peaks set the automatic scale
+    s->SignalData.at(60, c) = -40;
   }
   s->Imposition = true;
   SetTestOptions(*s);
@@ -290,6 +301,56 @@ TEST(SignalImposition, ChannelsShareTheHeightInBandsWithAutoScales) {
   EXPECT_EQ(traces[1].ys[0], 50);
   EXPECT_EQ(traces[2].ys[0], 83);
   EXPECT_EQ(traces[2].pen.color, s->channels.ChannelColor[3]);
+}
+
+// A run-out probe's gap voltage once set the automatic scale, and the swing
+// filled a twentieth of the height; a power channel above the table was
+// drawn at the smallest scale.
+TEST(SignalAutoScale, TheScaleFitsWhatIsDrawn) {
+  auto s = MakeState(1000);
+  s->channels.Type[1] = 0;
+  s->channels.Ku[1] = 8.0f;
+  for (int i = 1; i <= 1000; ++i)
+    s->SignalData.at(i, 1) = static_cast<int16_t>(3200 + std::lround(300 * std::sin(i / 20.0)));
+  s->SignalOffset[1] = 3200;
+  s->AccountOffset = true;
+  SetTestOptions(*s);
+  s->options.parameters.AutoY0 = true;
+  SignalViewState v = ViewOf(*s, kW, kH);
+  AccountChannelY0(*s, v);
+  EXPECT_EQ(s->channels.ChannelYm[1], 50) << "a 47 um swing on a 50 um scale";
+  s->AccountOffset = false;
+  AccountChannelY0(*s, v);
+  EXPECT_EQ(s->channels.ChannelYm[1], 1000) << "with the gap drawn, the gap counts";
+
+  s->channels.Type[1] = 9;  // power: 4000 mV at 60 MW
+  s->channels.Ku[1] = 6.6667e-5f;
+  for (int i = 1; i <= 1000; ++i) s->SignalData.at(i, 1) = 3200;
+  s->SignalData.markWritten();
+  AccountChannelY0(*s, v);
+  EXPECT_EQ(s->channels.ChannelYm[1], 100'000'000);
+  PrepareAndDraw(*s, v, FontMetrics{});
+  EXPECT_EQ(s->UnitName, QStringLiteral("МВт"));
+  EXPECT_EQ(s->UnitDivisor, 1'000'000);
+}
+
+// During a run the part of the cycle not acquired yet was drawn as a flat
+// signal of zeros.
+TEST(SignalRun, OnlyTheRowsAcquiredSoFarAreDrawn) {
+  auto s = MakeState(100);
+  SetTestOptions(*s);
+  for (int i = 1; i <= 100; ++i) s->SignalData.at(i, 1) = i <= 30 ? 40 : 0;
+  s->RunRowsAcquired = 30;
+  SignalViewState v = ViewOf(*s, kW, kH);  // two pixels a sample
+  Polyline t = TracesOf(PrepareAndDraw(*s, v, FontMetrics{}))[0];
+  EXPECT_EQ(*std::max_element(t.xs.begin(), t.xs.end()), 59);
+
+  auto longer = MakeState(32768);
+  SetTestOptions(*longer);
+  longer->RunRowsAcquired = 8192;  // a quarter of the cycle on 200 pixels
+  SignalViewState w = ViewOf(*longer, kW, kH);
+  t = TracesOf(PrepareAndDraw(*longer, w, FontMetrics{}))[0];
+  EXPECT_EQ(*std::max_element(t.xs.begin(), t.xs.end()), 50);
 }
 
 TEST(SignalEdges, NoChannelInUseDrawsTheFrameAndNoTrace) {

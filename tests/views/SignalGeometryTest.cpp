@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace aqx {
 namespace {
 
@@ -102,13 +104,33 @@ TEST(ChannelLayout, BandsShareTheHeightWithZeroLinesAtTheirCentres) {
   EXPECT_EQ(all.back(), 1063);
 }
 
-TEST(ChannelLayout, AutoScaleIsTheNextTableEntryAboveThePeakTimesTheChannels) {
-  EXPECT_EQ(AutoChannelYm(40, 1.25f, 0, 1), 50);
-  EXPECT_EQ(AutoChannelYm(50, 1.25f, 0, 1), 100);  // strictly above
-  EXPECT_EQ(AutoChannelYm(40, 1.25f, 0, 3), 150);
-  EXPECT_EQ(AutoChannelYm(4000, 1.25f, 1, 1), 2000);  // gain 4 divides the peak to 1000
-  EXPECT_EQ(AutoChannelYm(8191, 0.000001f, 0, 1), 10);  // above every entry
-  EXPECT_EQ(AutoChannelYm(0, 0.0f, 0, 0), 10);          // no Ku, no channels
+TEST(ChannelLayout, AutoScaleIsTheNextStepAboveThePeakTimesTheChannels) {
+  EXPECT_EQ(AutoChannelYm(40, 1), 50);
+  EXPECT_EQ(AutoChannelYm(50, 1), 100);  // strictly above
+  EXPECT_EQ(AutoChannelYm(40, 3), 150);
+  EXPECT_EQ(AutoChannelYm(0, 0), 10);    // no channels counts as one
+  // Past the table the 1-2-5 steps go on: 60 MW of a power channel.
+  EXPECT_EQ(AutoChannelYm(6.0e7, 1), 100'000'000);
+  EXPECT_EQ(AutoChannelYm(4.9e6, 1), 5'000'000);
+  EXPECT_EQ(AutoChannelYm(5.0e6, 1), 10'000'000);
+  // Held to what 32 bits hold, channels counted in.
+  EXPECT_EQ(AutoChannelYm(3.0e9, 1), 2'000'000'000);
+  EXPECT_EQ(AutoChannelYm(3.0e9, 32), 32 * 50'000'000);
+  EXPECT_EQ(AutoChannelYm(std::numeric_limits<double>::quiet_NaN(), 1), 2'000'000'000);
+}
+
+TEST(ChannelLayout, ThePeakIsWhatTheTraceShows) {
+  ChannelSetup ch;
+  ch.Ku[1] = 8.0f;
+  ch.Volume[1] = 0;
+  // A run-out probe at its 4 V gap, swinging 300 codes each way: with the
+  // offset taken off, 300 codes are 46.875 um, not the 500 um of the gap.
+  EXPECT_DOUBLE_EQ(DisplayPeak(ch, 1, 2900, 3500, 3200), 300 * 1.25 / 8);
+  EXPECT_DOUBLE_EQ(DisplayPeak(ch, 1, 2900, 3500, 0), 3500 * 1.25 / 8);
+  EXPECT_DOUBLE_EQ(DisplayPeak(ch, 1, -4000, 100, 0), 4000 * 1.25 / 8);
+  ch.Volume[1] = 1;  // four times the gain: a quarter of the units
+  ch.Zero[1] = 10;   // less 4 x 10 mV
+  EXPECT_DOUBLE_EQ(DisplayPeak(ch, 1, -100, 100, 0), (100 * 1.25 + 40) / 8 / 4);
 }
 
 TEST(TimeTexts, MillisecondsOnlyWhenNotZero) {

@@ -250,5 +250,45 @@ TEST(SignalControls, ControlsFollowANewCurrentChannel) {
   EXPECT_EQ(v.HScroll1, 1);
 }
 
+// Zoom round the pointer, a zoom box, the way back and the whole record.
+TEST(SignalNavigation, ZoomKeepsThePointedSampleAndCanBeTakenBack) {
+  auto s = MakeState(1000);
+  SignalViewState v = ViewOf(*s, 200, 100);  // 0.2 pixels a sample
+  ASSERT_EQ(s->ViewFirst, 1);
+  SignalAction a = ZoomAround(*s, v, 50, 1);
+  EXPECT_TRUE(a.viewRefresh);
+  // Sample 251 stood under column 50 and stands there at 0.4 pixels a sample.
+  EXPECT_EQ(v.SliderH, 1);
+  EXPECT_NEAR(s->ViewFirst + 50 / PixelsPerSampleFor(v.SliderH, 200, 1000), 251, 1);
+  ZoomAround(*s, v, 200, 2);
+  EXPECT_EQ(v.SliderH, 3);
+  EXPECT_LE(s->ViewLast, 1000);
+  ZoomBack(*s, v);
+  ZoomBack(*s, v);
+  EXPECT_EQ(v.SliderH, 0);
+  EXPECT_EQ(s->ViewFirst, 1);
+  EXPECT_FALSE(ZoomBack(*s, v).viewRefresh) << "nothing left to go back to";
+
+  // A box from column 60 to 80: samples 301..401 need zoom 3 (125 samples).
+  StartZoomBox(v, 60);
+  DragZoomBox(v, 80);
+  DrawList overlay;
+  AppendZoomBox(v, overlay);
+  ASSERT_EQ(ItemsOf<Rect>(overlay).size(), 1u);
+  EndZoomBox(*s, v);
+  EXPECT_EQ(v.SliderH, 3);
+  EXPECT_LE(s->ViewFirst, 301);
+  EXPECT_GE(s->ViewLast, 401);
+  StartZoomBox(v, 60);
+  DragZoomBox(v, 62);  // a slip of the hand
+  EXPECT_FALSE(EndZoomBox(*s, v).viewRefresh);
+  ShowAll(*s, v);
+  EXPECT_EQ(v.SliderH, 0);
+  ZoomBack(*s, v);
+  EXPECT_EQ(v.SliderH, 3);
+  for (int k = 0; k < 80; ++k) ZoomAround(*s, v, 100, k % 2 == 0 ? -1 : 1);
+  EXPECT_EQ(v.zoomHistory.size(), 50u) << "the history is bounded";
+}
+
 }  // namespace
 }  // namespace aqx

@@ -72,6 +72,9 @@ void MeasurementRun::press() {
   s_.ModuleTag = ModuleTagOf(moduleText.data());
   s_.FreqDesc = s_.FreqDescR;
   s_.StepDesc = static_cast<double>(s_.FreqDescR) / std::max(s_.SignalDataN, 1);
+  // The cycle coming in is a new recording of no file yet.
+  s_.PathFileData.clear();
+  firstTick_ = true;
   running_ = true;
   if (hooks_.activateElements) hooks_.activateElements(true);
   timer1_->start();
@@ -83,6 +86,10 @@ void MeasurementRun::tick() {
     return;
   }
   CopySignalData(s_.SignalData.data());
+  s_.SignalData.markWritten();
+  // Once full, the cycle stays full: a row of zeros later is signal.
+  if (s_.RunRowsAcquired != 0 || firstTick_) s_.RunRowsAcquired = AcquiredRows(s_);
+  firstTick_ = false;
   checkWarnings();
   if (!requested_) finish();
   if (hooks_.viewRefresh) hooks_.viewRefresh();
@@ -105,9 +112,11 @@ void MeasurementRun::finish() {
     prompts_.notice({QStringLiteral("Подождите, идет фильтрация сигналов датчиков биения ...")});
     FilterSensorBienie(s_.channels.Channel.data(), s_.channels.Type.data(), s_.SignalDataN, nullptr, nullptr,
                        s_.SignalData.data(), s_.FreqDesc);
+    s_.SignalData.markWritten();
     prompts_.closeNotice();
   }
   s_.DataSaved = false;
+  s_.RunRowsAcquired = 0;
   s_.BlockSizeFFT = s_.BlockSizeFFTa;
   if (hooks_.activateElements) hooks_.activateElements(false);
   QApplication::restoreOverrideCursor();

@@ -50,6 +50,7 @@ class MeasurementRun : public QObject {
   QTimer* timer1_ = nullptr;
   bool requested_ = false;
   bool running_ = false;
+  bool firstTick_ = false;
   QStringList warnings_;
 };
 

@@ -9,11 +9,15 @@
 #include <QGroupBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QFile>
+#include <QFileInfo>
 #include <QStringDecoder>
 #include <QVBoxLayout>
 
 #include <cstring>
 #include <vector>
+
+#include <dlfcn.h>
 
 namespace aqx::ui {
 
@@ -23,12 +27,21 @@ constexpr size_t kInfoBlocks = 8;
 constexpr size_t kInfoBlockBytes = 1001;
 constexpr int kLines = 16;
 
+// The engine's file as the system loaded it ("libAquilonix.so.1").
+QString EngineLibraryName() {
+  Dl_info info{};
+  if (dladdr(reinterpret_cast<void*>(&AquilonixVersionDLL), &info) != 0 && info.dli_fname)
+    return QFileInfo(QFile::decodeName(info.dli_fname)).fileName();
+  return QStringLiteral("libAquilonix.so");
+}
+
 }  // namespace
 
 QString AdcInformationText(Prompts& prompts) {
   int32_t major = 0, minor = 0, build = 0;
   AquilonixVersionDLL(&major, &minor, &build);
-  QString text = QStringLiteral("Библиотека Aquilonix.dll версии %1.%2.%3\n").arg(major).arg(minor).arg(build);
+  QString text =
+      QStringLiteral("Библиотека %1 версии %2.%3.%4\n").arg(EngineLibraryName()).arg(major).arg(minor).arg(build);
   std::vector<char> buffers(kInfoBlocks * kInfoBlockBytes, '\0');
   const int32_t result = MainInfoE140(buffers.data());
   if (result != 0) {

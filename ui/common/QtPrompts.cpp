@@ -130,8 +130,13 @@ QStringList NoticeWindow::lines() const { return label_->text().split(QLatin1Cha
 
 QtPrompts::~QtPrompts() { delete notice_.data(); }
 
+void QtPrompts::hideNotice() {
+  if (notice_) notice_->hide();
+}
+
 PromptAnswer QtPrompts::message(const QString& text, const QString& title, PromptButtons buttons,
                                 PromptIcon icon) {
+  hideNotice();
   QMessageBox box(ToQtIcon(icon), title, text, ToQtButtons(buttons), owner_);
   SetRussianButtonTexts(box);
   if (buttons == PromptButtons::YesNo || buttons == PromptButtons::YesNoCancel)
@@ -142,6 +147,7 @@ PromptAnswer QtPrompts::message(const QString& text, const QString& title, Promp
 
 std::optional<QString> QtPrompts::input(const QString& prompt, const QString& title,
                                         const QString& defaultText) {
+  hideNotice();
   QInputDialog dialog(owner_);
   dialog.setWindowTitle(title);
   dialog.setLabelText(prompt);
@@ -154,6 +160,7 @@ std::optional<QString> QtPrompts::input(const QString& prompt, const QString& ti
 
 std::optional<QString> QtPrompts::chooseOpenFile(const QString& title, const QString& folder,
                                                  const QString& filter) {
+  hideNotice();
   const QString path = QFileDialog::getOpenFileName(owner_, title, UsableFolder(folder), ToQtFileFilter(filter));
   if (path.isEmpty()) return std::nullopt;
   return path;
@@ -161,6 +168,7 @@ std::optional<QString> QtPrompts::chooseOpenFile(const QString& title, const QSt
 
 std::optional<QString> QtPrompts::chooseSaveFile(const QString& title, const QString& folder,
                                                  const QString& fileName, const QString& filter) {
+  hideNotice();
   const QString start = QDir(UsableFolder(folder)).filePath(fileName);
   const QString path = QFileDialog::getSaveFileName(owner_, title, start, ToQtFileFilter(filter));
   if (path.isEmpty()) return std::nullopt;
@@ -170,7 +178,7 @@ std::optional<QString> QtPrompts::chooseSaveFile(const QString& title, const QSt
 void QtPrompts::notice(const QStringList& lines) {
   const bool empty = std::all_of(lines.begin(), lines.end(), [](const QString& l) { return l.isEmpty(); });
   if (empty) {
-    if (notice_) notice_->hide();
+    hideNotice();
     return;
   }
   if (!notice_) notice_ = new NoticeWindow(owner_);

@@ -50,6 +50,10 @@ class QtPrompts : public Prompts {
   NoticeWindow* noticeWindow() const { return notice_; }
 
  private:
+  // A notice stands over everything; a question under it could not be
+  // answered, so every dialog takes it down first.
+  void hideNotice();
+
   QPointer<QWidget> owner_;
   QPointer<NoticeWindow> notice_;
 };

@@ -18,6 +18,7 @@
 #include <QAction>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QStyle>
 #include <QRandomGenerator>
 #include <QStatusBar>
 #include <QToolBar>
@@ -175,6 +176,14 @@ void MainWindow::mnuSignalCursor(int entry) {
   refreshSignalMenuChecks();
 }
 
+void MainWindow::mnuSignalZoomBack() {
+  if (SignalWindow* w = signalWindow()) w->ZoomBack();
+}
+
+void MainWindow::mnuSignalShowAll() {
+  if (SignalWindow* w = signalWindow()) w->ShowAll();
+}
+
 void MainWindow::mnuSignalCopy() {
   if (SignalWindow* w = signalWindow()) w->CopyPicture();
 }
@@ -183,7 +192,32 @@ void MainWindow::mnuSignalCopy() {
 // Window and help menus.
 // ---------------------------------------------------------------------------
 
-void MainWindow::mnuWindowCascade() { mdi_->cascadeSubWindows(); }
+void MainWindow::mnuWindowCascade() {
+  // The windows of the stacking order, the one in front last and so in front.
+  const QList<QMdiSubWindow*> windows = mdi_->subWindowList(QMdiArea::StackingOrder);
+  const QSize area = mdi_->viewport()->size();
+  const int titlePx = style()->pixelMetric(QStyle::PM_TitleBarHeight);
+  const std::vector<PixelBox> boxes =
+      CascadeBoxes(area.width(), area.height(), static_cast<int>(windows.size()), titlePx + 4);
+  for (qsizetype i = 0; i < windows.size(); ++i) {
+    windows[i]->showNormal();
+    const PixelBox& b = boxes[static_cast<size_t>(i)];
+    windows[i]->setGeometry(b.left, b.top, b.width, b.height);
+    windows[i]->raise();
+  }
+}
+
+void MainWindow::fitViewsIntoArea() {
+  const QSize area = mdi_->viewport()->size();
+  for (QMdiSubWindow* w : mdi_->subWindowList()) {
+    if (w->isMaximized() || w->isMinimized()) continue;
+    const QRect g = w->geometry();
+    const PixelBox fitted = FitIntoArea({g.left(), g.top(), g.width(), g.height()}, area.width(), area.height(),
+                                        w->minimumSizeHint().width(), w->minimumSizeHint().height());
+    if (fitted != PixelBox{g.left(), g.top(), g.width(), g.height()})
+      w->setGeometry(fitted.left, fitted.top, fitted.width, fitted.height);
+  }
+}
 void MainWindow::mnuWindowTileAcross() { tile(true); }
 void MainWindow::mnuWindowTileSideBySide() { tile(false); }
 

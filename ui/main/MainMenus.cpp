@@ -66,14 +66,24 @@ void MainWindow::buildMenus() {
   buildViewMenu();
   buildOtherMenus();
   buildSignalMenu();
+  // F10 opens the menu bar, as on other desktops.
+  auto* menuKey = new QAction(this);
+  menuKey->setObjectName(QStringLiteral("MenuBarKey"));
+  menuKey->setShortcut(QKeySequence(Qt::Key_F10));
+  connect(menuKey, &QAction::triggered, this, [this] {
+    menuBar()->setFocus(Qt::MenuBarFocusReason);
+    menuBar()->setActiveAction(menuBar()->actions().value(0));
+  });
+  addAction(menuKey);
 }
 
 void MainWindow::buildFileMenu() {
-  mnuFile_ = menuBar()->addMenu(QStringLiteral("Файл"));
+  mnuFile_ = menuBar()->addMenu(QStringLiteral("&Файл"));
   mnuFile_->setObjectName(QStringLiteral("mnuFile"));
   QAction* record = addCommand(mnuFile_, "mnuFileRecord", QStringLiteral("Пуск измерений"), &MainWindow::mnuFileRecord);
   record->setCheckable(true);
   record->setIcon(MakeToolIcon(ToolIcon::Record));
+  record->setShortcut(QKeySequence(Qt::Key_F5));
   mnuFile_->addSeparator();
   QAction* open = addCommand(mnuFile_, "mnuFileOpen", QStringLiteral("Открыть ..."), &MainWindow::mnuFileOpen);
   open->setIcon(MakeToolIcon(ToolIcon::Open));
@@ -109,7 +119,7 @@ void MainWindow::buildFileMenu() {
 }
 
 void MainWindow::buildViewMenu() {
-  QMenu* view = menuBar()->addMenu(QStringLiteral("Вид"));
+  QMenu* view = menuBar()->addMenu(QStringLiteral("&Вид"));
   view->setObjectName(QStringLiteral("mnuView"));
   AddOptionToggles(view, kSectionConfig, 0, s_, store_, actions_, [this] { applyBars(); });
   view->addSeparator();
@@ -126,13 +136,13 @@ void MainWindow::buildViewMenu() {
   QAction* parameters = addToggle(view, "mnuViewParameters", QStringLiteral("Параметры"), &MainWindow::mnuViewParameters);
   parameters->setIcon(MakeToolIcon(ToolIcon::Parameters));
   view->addSeparator();
-  QMenu* channels = view->addMenu(QStringLiteral("Каналы"));
+  QMenu* channels = view->addMenu(QStringLiteral("&Каналы"));
   channels->setObjectName(QStringLiteral("mnuViewChannels"));
   for (int c = 1; c <= kMaxChannels; ++c) {
     addCheck(channels, QStringLiteral("mnuViewChannel%1").arg(c), QStringLiteral("Канал №%1").arg(c),
              [this, c] { SelectActiveChannel(c); });
   }
-  QMenu* blocks = view->addMenu(QStringLiteral("Блоки"));
+  QMenu* blocks = view->addMenu(QStringLiteral("&Блоки"));
   blocks->setObjectName(QStringLiteral("mnuViewBlock"));
   struct BlockEntry {
     const char* name;
@@ -157,14 +167,14 @@ void MainWindow::buildViewMenu() {
   addLaterCommand(view, "mnuViewMarker", QStringLiteral("Маркеры"));
   addLaterCommand(view, "mnuViewStatusFile", QStringLiteral("Информация файла данных"));
   view->addSeparator();
-  QMenu* styles = view->addMenu(QStringLiteral("Стиль"));
+  QMenu* styles = view->addMenu(QStringLiteral("С&тиль"));
   styles->setObjectName(QStringLiteral("mnuViewStyles"));
   auto* styleGroup = new QActionGroup(this);
   for (int k = 0; k < kViewStyleCount; ++k) {
     addCheck(styles, QStringLiteral("mnuViewStyle%1").arg(k), ViewStyleDefinition(k).caption,
              [this, k] { mnuViewStyle(k); }, styleGroup);
   }
-  QMenu* colors = view->addMenu(QStringLiteral("Фон окон"));
+  QMenu* colors = view->addMenu(QStringLiteral("&Фон окон"));
   colors->setObjectName(QStringLiteral("mnuViewColorsBack"));
   auto* colorGroup = new QActionGroup(this);
   const QStringList captions = ColorBackCaptions();
@@ -175,13 +185,13 @@ void MainWindow::buildViewMenu() {
 }
 
 void MainWindow::buildOtherMenus() {
-  QMenu* report = menuBar()->addMenu(QStringLiteral("Отчет"));
+  QMenu* report = menuBar()->addMenu(QStringLiteral("&Отчет"));
   report->setObjectName(QStringLiteral("mnuReport"));
   addLaterCommand(report, "mnuReportMaster", QStringLiteral("Мастер протокола"));
   addLaterCommand(report, "mnuReportProtokol", QStringLiteral("Протокол"));
   addLaterCommand(report, "mnuReportPattern", QStringLiteral("По шаблону"));
 
-  QMenu* setup = menuBar()->addMenu(QStringLiteral("Настройка"));
+  QMenu* setup = menuBar()->addMenu(QStringLiteral("&Настройка"));
   setup->setObjectName(QStringLiteral("mnuSetup"));
   const std::pair<const char*, const char*> setupCommands[] = {
       {"mnuSetupChannels", "Настройка каналов"},
@@ -196,7 +206,7 @@ void MainWindow::buildOtherMenus() {
       {"mnuSetupParameters", "Параметры"}};
   for (const auto& [name, caption] : setupCommands) addLaterCommand(setup, name, QString::fromUtf8(caption));
 
-  QMenu* service = menuBar()->addMenu(QStringLiteral("Сервис"));
+  QMenu* service = menuBar()->addMenu(QStringLiteral("С&ервис"));
   service->setObjectName(QStringLiteral("mnuService"));
   const std::pair<const char*, const char*> serviceCommands[] = {
       {"mnuServiceLineka", "Линейка"},
@@ -209,7 +219,7 @@ void MainWindow::buildOtherMenus() {
   addLaterCommand(service, "mnuServicePlayerSound", QStringLiteral("Проигрыватель"));
   actions_.value(QStringLiteral("mnuHelpADC"))->setIcon(MakeToolIcon(ToolIcon::ADC));
 
-  QMenu* window = menuBar()->addMenu(QStringLiteral("Окно"));
+  QMenu* window = menuBar()->addMenu(QStringLiteral("О&кно"));
   window->setObjectName(QStringLiteral("mnuWindow"));
   addCommand(window, "mnuWindowArrange0", QStringLiteral("Каскад"), &MainWindow::mnuWindowCascade);
   addCommand(window, "mnuWindowArrange1", QStringLiteral("Мозаика (горизонталь)"), &MainWindow::mnuWindowTileAcross);
@@ -217,7 +227,7 @@ void MainWindow::buildOtherMenus() {
   window->addSeparator();
   addCommand(window, "mnuWindowClose", QStringLiteral("Закрыть все окна"), &MainWindow::mnuWindowClose);
 
-  QMenu* help = menuBar()->addMenu(QStringLiteral("Справка"));
+  QMenu* help = menuBar()->addMenu(QStringLiteral("&Справка"));
   help->setObjectName(QStringLiteral("mnuHelp"));
   addLaterCommand(help, "mnuHelpContents", QStringLiteral("Содержание"));
   addLaterCommand(help, "mnuHelpSearch", QStringLiteral("Поиск"));
@@ -237,7 +247,7 @@ void MainWindow::buildSignalMenu() {
     if (SignalWindow* w = signalWindow()) w->optionsChanged();
   };
   AddOptionToggles(mnuSignal_, kSectionSignal, 0, s_, store_, actions_, optionsChanged);
-  QMenu* cursor = mnuSignal_->addMenu(QStringLiteral("Курсор"));
+  QMenu* cursor = mnuSignal_->addMenu(QStringLiteral("&Курсор"));
   cursor->setObjectName(QStringLiteral("mnuSignalCursor"));
   const char* const cursorCaptions[] = {"Свободный", "Привязанный"};
   for (int entry = 0; entry < 2; ++entry) {
@@ -246,6 +256,16 @@ void MainWindow::buildSignalMenu() {
   }
   mnuSignal_->addSeparator();
   AddOptionToggles(mnuSignal_, kSectionSignal, 1, s_, store_, actions_, optionsChanged);
+  mnuSignal_->addSeparator();
+  // Zoom history and the whole record; the keys work wherever the frame has
+  // the focus.
+  QAction* back = addCommand(mnuSignal_, "mnuSignalZoomBack", QStringLiteral("Предыдущий масштаб"),
+                             &MainWindow::mnuSignalZoomBack);
+  back->setShortcuts({QKeySequence(Qt::Key_Backspace), QKeySequence(Qt::ALT | Qt::Key_Left)});
+  QAction* all = addCommand(mnuSignal_, "mnuSignalShowAll", QStringLiteral("Вся запись"), &MainWindow::mnuSignalShowAll);
+  all->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_0));
+  addAction(back);
+  addAction(all);
   mnuSignal_->addSeparator();
   addCommand(mnuSignal_, "mnuSignalCopyPicture", QStringLiteral("Копировать рисунок"), &MainWindow::mnuSignalCopy)
       ->setIcon(MakeToolIcon(ToolIcon::Copy));

@@ -79,6 +79,7 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   runHooks.activateElements = [this](bool running) {
     ActivateElements(running);
     RefreshStatusBar();
+    OutPathFileDataToStatusBar();
     // The live cycle needs its views.
     if (running && mdi_->subWindowList().isEmpty()) SetViewStyle();
   };
@@ -267,8 +268,11 @@ void MainWindow::RefreshStatusBar() {
 void MainWindow::OutPathFileDataToStatusBar() {
   // The panel takes the width the others leave and shortens the path in
   // its middle to fit, whenever the frame changes size.
-  status_->setText(QStringLiteral("PathFileData"), QDir::toNativeSeparators(s_.PathFileData));
-  status_->setToolTipOf(QStringLiteral("PathFileData"), s_.PathFileData);
+  // A run's cycle belongs to no file until it is saved.
+  const QString shown = s_.PathFileData.isEmpty() && !s_.DataSaved ? QStringLiteral("Новая запись (не сохранена)")
+                                                                   : QDir::toNativeSeparators(s_.PathFileData);
+  status_->setText(QStringLiteral("PathFileData"), shown);
+  status_->setToolTipOf(QStringLiteral("PathFileData"), s_.PathFileData.isEmpty() ? shown : s_.PathFileData);
 }
 
 void MainWindow::ReadRecentFile() {
@@ -376,6 +380,8 @@ void MainWindow::dropEvent(QDropEvent* event) {
 void MainWindow::resizeEvent(QResizeEvent* event) {
   QMainWindow::resizeEvent(event);
   OutPathFileDataToStatusBar();
+  // The workspace takes its new size once the frame's layout has run.
+  QMetaObject::invokeMethod(this, [this] { fitViewsIntoArea(); }, Qt::QueuedConnection);
 }
 
 }  // namespace aqx::ui

@@ -131,6 +131,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   void mnuServiceDigitalLines();
   void mnuSignalCursor(int entry);
   void mnuSignalCopy();
+  void mnuSignalZoomBack();
+  void mnuSignalShowAll();
 
   // View windows.
   OpenFileContext context();
@@ -139,6 +141,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   void closeAllViews();
   void arrange(int arrangement, const std::vector<QMdiSubWindow*>& windows);
   void tile(bool across);
+  // After the workspace shrank: windows that stick out come back inside.
+  void fitViewsIntoArea();
   void applyBackground();
   void refreshSignalMenuChecks();
   void updateViewChecks();

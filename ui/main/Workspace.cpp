@@ -66,6 +66,32 @@ std::vector<PixelBox> TileAcross(int areaWidthPx, int areaHeightPx, int count) {
   return boxes;
 }
 
+std::vector<PixelBox> CascadeBoxes(int areaWidthPx, int areaHeightPx, int count, int stepPx) {
+  std::vector<PixelBox> boxes;
+  if (count <= 0) return boxes;
+  const int w = std::max(0, areaWidthPx);
+  const int h = std::max(0, areaHeightPx);
+  // Each window keeps three quarters of the area; the steps shrink when many
+  // windows would walk off it.
+  const int width = w * 3 / 4;
+  const int height = h * 3 / 4;
+  const int room = std::min(w - width, h - height);
+  const int step = count > 1 ? std::clamp(room / (count - 1), 0, std::max(0, stepPx)) : 0;
+  for (int k = 0; k < count; ++k) boxes.push_back({k * step, k * step, width, height});
+  return boxes;
+}
+
+PixelBox FitIntoArea(const PixelBox& window, int areaWidthPx, int areaHeightPx, int minWidthPx, int minHeightPx) {
+  PixelBox b = window;
+  const int w = std::max(0, areaWidthPx);
+  const int h = std::max(0, areaHeightPx);
+  b.width = std::clamp(b.width, std::min(minWidthPx, w), w);
+  b.height = std::clamp(b.height, std::min(minHeightPx, h), h);
+  b.left = std::clamp(b.left, 0, w - b.width);
+  b.top = std::clamp(b.top, 0, h - b.height);
+  return b;
+}
+
 std::vector<PixelBox> TileSideBySide(int areaWidthPx, int areaHeightPx, int count) {
   std::vector<PixelBox> boxes;
   if (count <= 0) return boxes;

@@ -45,6 +45,14 @@ struct PixelBox {
 std::vector<PixelBox> TileAcross(int areaWidthPx, int areaHeightPx, int count);
 // Tile side by side: n windows next to each other over the full height.
 std::vector<PixelBox> TileSideBySide(int areaWidthPx, int areaHeightPx, int count);
+// Cascade: every window three quarters of the area, each one step of
+// stepPx further right and down than the one before, the steps shrunk so that
+// the last window still lies inside the area.
+std::vector<PixelBox> CascadeBoxes(int areaWidthPx, int areaHeightPx, int count, int stepPx);
+// A window moved, and shrunk only when it is larger than the area, so that
+// it lies inside the area; no smaller than minWidthPx x minHeightPx where
+// the area is larger than that.
+PixelBox FitIntoArea(const PixelBox& window, int areaWidthPx, int areaHeightPx, int minWidthPx, int minHeightPx);
 // The third window of styles 2 and 3: top 0, left a third of the signal
 // window's width, two thirds of that width wide, twice its height high.
 PixelBox ThirdWindowBox(const PixelBox& signalWindow);

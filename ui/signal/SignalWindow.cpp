@@ -57,7 +57,9 @@ class SignalPicture : public QWidget {
     // widget is a raster image, where the inverting ink works.
     PaintDrawListItems(p, overlay_, font());
   }
-  void mousePressEvent(QMouseEvent* e) override { owner_.pictureMousePress(e->button(), e->position()); }
+  void mousePressEvent(QMouseEvent* e) override {
+    owner_.pictureMousePress(e->button(), e->position(), (e->modifiers() & Qt::ControlModifier) != 0);
+  }
   void mouseMoveEvent(QMouseEvent* e) override {
     owner_.pictureMouseMove(e->position(), (e->buttons() & Qt::LeftButton) != 0);
   }
@@ -297,12 +299,14 @@ void SignalWindow::SignalBeginPoint() {
 
 void SignalWindow::apply(const views::SignalAction& a) {
   if (a.optionsChanged) saveOptions();
+  // The redraw runs the shaft marker detector on the new stretch; the
+  // parameter bar that the cheaper refresh rebuilds reads its speed.
+  if (a.redraw && !a.viewRefresh) BuildSignal();
   if (a.viewRefresh) {
     host_.viewRefresh(false);
   } else if (a.cheapRefresh) {
     host_.viewRefresh(true);
   }
-  if (a.redraw && !a.viewRefresh) BuildSignal();
   if (a.crosshair) updateCrosshair();
   if (a.statusBar) outInfoToStatusBar();
   if (a.controls) syncControls();
@@ -312,6 +316,7 @@ void SignalWindow::apply(const views::SignalAction& a) {
 void SignalWindow::updateCrosshair() {
   views::DrawList overlay;
   views::AppendCrosshair(v_, overlay);
+  views::AppendZoomBox(v_, overlay);
   picture_->setOverlay(std::move(overlay));
 }
 
@@ -356,16 +361,35 @@ void SignalWindow::statusPanelClicked(const QString& key, Qt::MouseButton button
   }
 }
 
-void SignalWindow::pictureMousePress(Qt::MouseButton button, QPointF pos) {
+void SignalWindow::pictureMousePress(Qt::MouseButton button, QPointF pos, bool zoomBox) {
   setFocus();
+  // Ctrl with the left button draws the box of a zoom.
+  if (zoomBox && button == Qt::LeftButton) {
+    views::StartZoomBox(v_, pos.x());
+    return;
+  }
   apply(views::MouseDown(s_, v_, ToViewButton(button), pos.x(), pos.y()));
 }
 
 void SignalWindow::pictureMouseMove(QPointF pos, bool leftHeld) {
+  if (v_.ZoomBoxFrom >= 0) {
+    if (leftHeld) views::DragZoomBox(v_, pos.x());
+    updateCrosshair();
+    return;
+  }
   apply(views::MouseMove(s_, v_, pos.x(), pos.y(), leftHeld));
 }
 
-void SignalWindow::pictureMouseRelease() { apply(views::MouseUp(s_, v_)); }
+void SignalWindow::pictureMouseRelease() {
+  if (v_.ZoomBoxFrom >= 0) {
+    apply(views::EndZoomBox(s_, v_));
+    return;
+  }
+  apply(views::MouseUp(s_, v_));
+}
+
+void SignalWindow::ZoomBack() { apply(views::ZoomBack(s_, v_)); }
+void SignalWindow::ShowAll() { apply(views::ShowAll(s_, v_)); }
 
 void SignalWindow::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
@@ -388,12 +412,16 @@ void SignalWindow::keyPressEvent(QKeyEvent* event) {
 }
 
 void SignalWindow::wheelEvent(QWheelEvent* event) {
-  const int steps = event->angleDelta().y() / 120;
+  const QPoint delta = event->angleDelta();
+  const int steps = (delta.y() != 0 ? delta.y() : delta.x()) / 120;
   if (steps == 0) return;
-  if (event->modifiers() & Qt::ControlModifier) {
-    onSliderH(std::clamp(v_.SliderH + steps, 0, v_.SliderHMax), false);
+  // Shift (or a sideways wheel) moves along the record; the wheel itself
+  // zooms round the sample under the pointer.
+  if ((event->modifiers() & Qt::ShiftModifier) || delta.y() == 0) {
+    apply(views::PanBy(s_, v_, -steps * std::max(1, v_.W / 8)));
   } else {
-    onHScroll(v_.HScroll1 - steps * std::max(1, v_.HScrollLargeChange / 4), true);
+    const QPointF at = picture_->mapFrom(this, event->position());
+    apply(views::ZoomAround(s_, v_, at.x(), steps));
   }
   event->accept();
 }

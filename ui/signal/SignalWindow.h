@@ -43,6 +43,9 @@ class SignalWindow : public QWidget {
   void SetTypeCursor(views::SignalCursor entry);
   void SignalLineCenter();
   void SignalBeginPoint();
+  // The zoom before the last one, and the whole record.
+  void ZoomBack();
+  void ShowAll();
 
   // The picture with its text header, as it goes to the clipboard.
   QImage CopyPictureImage();
@@ -60,7 +63,7 @@ class SignalWindow : public QWidget {
   QScrollBar* vScroll() const { return vScroll_; }
 
   // Picture events, in picture pixels.
-  void pictureMousePress(Qt::MouseButton button, QPointF pos);
+  void pictureMousePress(Qt::MouseButton button, QPointF pos, bool zoomBox = false);
   void pictureMouseMove(QPointF pos, bool leftHeld);
   void pictureMouseRelease();
 

@@ -6,6 +6,8 @@
 #include "views/signal/SignalView.h"
 
 #include <algorithm>
+#include <array>
+#include <limits>
 #include <cmath>
 
 namespace aqx::views {
@@ -102,10 +104,48 @@ void AccountChannelY0(AppState& s, SignalViewState& v) {
   for (int c = 1; c <= ChannelCount(s) && k < centres.size(); ++c) {
     if (s.channels.Channel[c] != 1 || s.channels.Active[c] != 1) continue;
     s.channels.ChannelY[c] = centres[k++];
-    if (v.SliderV == -1)
-      s.channels.ChannelYm[c] = AutoChannelYm(s.SignalMaxValue[c], s.channels.Ku[c], s.channels.Volume[c], n);
+    if (v.SliderV == -1) s.channels.ChannelYm[c] = AutoScaleOf(s, v, c, n);
   }
   if (n > 0) HoldVScroll(v, s.channels.ChannelY[CurrentChannel(s)]);
+}
+
+namespace {
+
+// One pass over the rows for every channel at once: a row is 32 codes side
+// by side, so the whole store is read once, whatever the channel count.
+void FindExtremes(const AppState& s, SignalViewState::Extremes& e) {
+  const int16_t* row = s.SignalData.data() + static_cast<size_t>(e.first - 1) * kMaxChannels;
+  std::array<int16_t, kMaxChannels> least, greatest;
+  least.fill(std::numeric_limits<int16_t>::max());
+  greatest.fill(std::numeric_limits<int16_t>::min());
+  for (int r = e.first; r <= e.last; ++r, row += kMaxChannels) {
+    for (size_t c = 0; c < kMaxChannels; ++c) {
+      least[c] = std::min(least[c], row[c]);
+      greatest[c] = std::max(greatest[c], row[c]);
+    }
+  }
+  for (int c = 1; c <= kMaxChannels; ++c) {
+    e.least[c] = e.last >= e.first ? least[static_cast<size_t>(c - 1)] : 0;
+    e.greatest[c] = e.last >= e.first ? greatest[static_cast<size_t>(c - 1)] : 0;
+  }
+}
+
+}  // namespace
+
+int AutoScaleOf(const AppState& s, SignalViewState& v, int channel, int activeCount) {
+  const int rows = std::clamp(s.SignalDataN, 1, kMaxSamples);
+  const int first = std::clamp(s.ViewFirst, 1, rows);
+  const int last = std::clamp(s.ViewLast, first, rows);
+  SignalViewState::Extremes& e = v.extremes;
+  if (e.writeCount != s.SignalData.writeCount() || e.first != first || e.last != last || e.rows != rows) {
+    e.writeCount = s.SignalData.writeCount();
+    e.first = first;
+    e.last = last;
+    e.rows = rows;
+    FindExtremes(s, e);
+  }
+  const double offset = s.AccountOffset ? s.SignalOffset[channel] : 0.0;
+  return AutoChannelYm(DisplayPeak(s.channels, channel, e.least[channel], e.greatest[channel], offset), activeCount);
 }
 
 SignalLayout FormResize(int innerWidthPx, int innerHeightPx, const SignalOptions& o, const SignalBarSizes& bars) {

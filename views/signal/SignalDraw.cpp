@@ -65,7 +65,7 @@ bool SelectionDragInProgress(const AppState& s, const SignalViewState& v) {
 }
 
 void DrawTimeGrid(const AppState& s, const SignalViewState& v, const FontMetrics& fm,
-                  double step, DrawList& list) {
+                  double step, DrawList& list, std::vector<Text>& labels) {
   const double freq = ChannelRateHz(s);
   const double pps = v.PixelsPerSample;
   const double stepPx = freq * pps * step;
@@ -82,10 +82,12 @@ void DrawTimeGrid(const AppState& s, const SignalViewState& v, const FontMetrics
     list.add(Line{xi, 0, xi, v.H, pen});
     // A label that would run into the one before it is left out; the tick
     // stays.
+    // So is one that the right edge would cut.
     const QString label = TimeText(t + offset);
-    if (xi + 1 < labelEnd) continue;
-    list.add(MakeText(xi + 1, v.H - fm.lineHeight - 1, label, s.options.color.ColorText));
-    labelEnd = xi + 1 + fm.widthOf(label.toStdString()) + fm.charWidth;
+    const int width = fm.widthOf(label.toStdString());
+    if (xi + 1 < labelEnd || xi + 1 + width > v.W) continue;
+    labels.push_back(MakeText(xi + 1, v.H - fm.lineHeight - 1, label, s.options.color.ColorText));
+    labelEnd = xi + 1 + width + fm.charWidth;
   }
 }
 
@@ -106,7 +108,7 @@ void DrawUserMarkers(const AppState& s, const SignalViewState& v, const FontMetr
 }
 
 void DrawLevelGrid(const AppState& s, const SignalViewState& v, const FontMetrics& fm,
-                   int channel, DrawList& list) {
+                   int channel, DrawList& list, std::vector<Text>& labels) {
   const int stepPx = std::max(1, RoundHalfEven(v.H / 10.0));
   const int stepUnits = RoundHalfEven(s.channels.ChannelYm[channel] / 5.0);
   const double divisor = s.UnitDivisor != 0.0 ? s.UnitDivisor : 1.0;
@@ -115,14 +117,20 @@ void DrawLevelGrid(const AppState& s, const SignalViewState& v, const FontMetric
   // Labels sit above their line, below it at the top edge, and keep clear of
   // the time labels along the bottom.
   const int labelFloor = s.options.signal.ScaleX ? v.H - fm.lineHeight - 1 : v.H;
+  // The topmost label names the unit.
+  bool unitTold = false;
   auto add = [&](int64_t k, int64_t y) {
     const int yi = static_cast<int>(y);
     list.add(Line{0, yi, v.W, yi, pen});
-    const QString label = PlainNumber(static_cast<double>(k * stepUnits) / divisor);
+    QString label = PlainNumber(static_cast<double>(k * stepUnits) / divisor);
+    if (!unitTold && yi <= labelFloor) {
+      label += QLatin1Char(' ') + s.UnitName;
+      unitTold = true;
+    }
     if (yi < fm.lineHeight) {
-      list.add(MakeText(2, yi + 1, label, s.options.color.ColorText, TextAnchor::TopLeft));
+      labels.push_back(MakeText(2, yi + 1, label, s.options.color.ColorText, TextAnchor::TopLeft));
     } else if (yi <= labelFloor) {
-      list.add(MakeText(2, yi, label, s.options.color.ColorText, TextAnchor::BottomLeft));
+      labels.push_back(MakeText(2, yi, label, s.options.color.ColorText, TextAnchor::BottomLeft));
     }
   };
   // Upward from the zero line, positive values, while on the picture.
@@ -139,6 +147,31 @@ void DrawLevelGrid(const AppState& s, const SignalViewState& v, const FontMetric
   }
 }
 
+// Labels go over the traces on a patch of the background, so that a trace
+// never makes them unreadable.
+void AddLabels(const std::vector<Text>& labels, BgrColor background, const FontMetrics& fm, DrawList& list) {
+  for (const Text& t : labels) {
+    const int width = fm.widthOf(t.utf8);
+    const bool bottom = t.anchor == TextAnchor::BottomLeft || t.anchor == TextAnchor::BottomRight;
+    const bool right = t.anchor == TextAnchor::BottomRight || t.anchor == TextAnchor::TopRight;
+    const int left = right ? t.x - width : t.x;
+    const int top = bottom ? t.y - fm.lineHeight : t.y;
+    list.add(Rect{left - 1, top, left + width + 1, top + fm.lineHeight, Pen{background}, true, background});
+    list.add(t);
+  }
+}
+
+// With channels overlaid, a legend names each trace in its colour.
+void DrawLegend(const AppState& s, const FontMetrics& fm, std::vector<Text>& labels, int widthPx) {
+  int row = 0;
+  for (int c = 1; c <= ChannelCount(s); ++c) {
+    if (s.channels.Active[c] != 1 || s.channels.Channel[c] != 1) continue;
+    const QString where = (s.channels.Place[c].trimmed() + QLatin1Char(' ') + s.channels.Direct[c].trimmed()).trimmed();
+    const QString text = QStringLiteral("№%1").arg(c) + (where.isEmpty() ? QString() : QLatin1Char(' ') + where);
+    labels.push_back(MakeText(widthPx - 4, 2 + row++ * fm.lineHeight, text, s.channels.ChannelColor[c], TextAnchor::TopRight));
+  }
+}
+
 void DrawThreshold(const SignalViewState& v, int y, BgrColor color, const QString& caption, DrawList& list) {
   list.add(Line{0, y, v.W, y, MakePen(color)});
   list.add(MakeText(v.W - 15, y - 3, caption, color, TextAnchor::BottomRight));
@@ -147,7 +180,10 @@ void DrawThreshold(const SignalViewState& v, int y, BgrColor color, const QStrin
 void DrawTrace(const AppState& s, const SignalViewState& v, int channel, double pixelsPerUnit, DrawList& list) {
   Polyline trace;
   trace.pen = MakePen(s.channels.ChannelColor[channel], s.channels.ChannelLineWidthSignal[channel]);
-  const int n = std::clamp(s.SignalDataN, 1, kMaxSamples);
+  // During a run the cycle fills from its first row: what is not acquired
+  // yet is not signal and is not drawn.
+  const int n = s.RunRowsAcquired > 0 ? std::clamp(s.RunRowsAcquired, 1, kMaxSamples)
+                                      : std::clamp(s.SignalDataN, 1, kMaxSamples);
   const int channelY = s.channels.ChannelY[channel];
   const double pps = v.PixelsPerSample;
   if (pps >= 1.0) {
@@ -174,9 +210,10 @@ void DrawTrace(const AppState& s, const SignalViewState& v, int channel, double 
       trace.ys.push_back(y);
     }
   } else {
-    const int w = std::max(10, v.W);
+    const int lastRow = std::min(s.ViewLast, n);
+    const int w = std::clamp(static_cast<int>(std::ceil((lastRow - s.ViewFirst + 1) * pps)), 10, std::max(10, v.W));
     std::vector<int32_t> columns;
-    ThinChannel(s, channel, w, v.H, channelY, pps, pixelsPerUnit, columns);
+    ThinChannel(s, channel, w, lastRow, v.H, channelY, pps, pixelsPerUnit, columns);
     trace.xs.reserve(static_cast<size_t>(w) * 2 + 1);
     trace.ys.reserve(static_cast<size_t>(w) * 2 + 1);
     trace.xs.push_back(0);
@@ -210,7 +247,7 @@ void PrepareSignal(AppState& s, SignalViewState& v) {
     if (s.channels.Active[c] != 1 || s.channels.Channel[c] != 1) continue;
     if (s.channels.ChannelY[c] == kChannelUnplaced) s.channels.ChannelY[c] = RoundHalfEven(v.H / 2.0);
     if (s.channels.ChannelYm[c] <= 0)
-      s.channels.ChannelYm[c] = AutoChannelYm(s.SignalMaxValue[c], s.channels.Ku[c], s.channels.Volume[c], activeCount);
+      s.channels.ChannelYm[c] = AutoScaleOf(s, v, c, activeCount);
     v.PixelsPerUnit = PixelsPerUnitFor(v.H, s.channels.Volume[c], s.channels.ChannelYm[c]);
     if (c == current) {
       v.PixelsPerUnitFirst = v.PixelsPerUnit;
@@ -230,6 +267,7 @@ DrawList DrawSignal(const AppState& s, const SignalViewState& v, const FontMetri
   const int current = CurrentChannel(s);
   const SignalOptions& o = s.options.signal;
   const ColorOptions& colors = s.options.color;
+  std::vector<Text> labels;
 
   if (o.LineCenter) {
     const double span = std::max(1.0, static_cast<double>(s.ViewLast) - s.ViewFirst + 1.0);
@@ -258,7 +296,7 @@ DrawList DrawSignal(const AppState& s, const SignalViewState& v, const FontMetri
     const double step = NiceTimeStep(w / (ChannelRateHz(s) * v.PixelsPerSample));
     // No step for more than ten hours in view: the picture ends here.
     if (step <= 0.0) return list;
-    DrawTimeGrid(s, v, fm, step, list);
+    DrawTimeGrid(s, v, fm, step, list, labels);
   }
 
   DrawUserMarkers(s, v, fm, list);
@@ -266,7 +304,7 @@ DrawList DrawSignal(const AppState& s, const SignalViewState& v, const FontMetri
   for (int c = 1; c <= ChannelCount(s); ++c) {
     if (s.channels.Active[c] != 1 || s.channels.Channel[c] != 1) continue;
     const double ppu = PixelsPerUnitFor(h, s.channels.Volume[c], s.channels.ChannelYm[c]);
-    if (c == current && o.ScaleY) DrawLevelGrid(s, v, fm, c, list);
+    if (c == current && o.ScaleY) DrawLevelGrid(s, v, fm, c, list, labels);
     if (s.channels.Type[c] == sensor::ShaftMarker && markerChannel != 0) {
       const int markerY = s.channels.ChannelY[markerChannel];
       const OtmetchickOptions& detector = s.options.otmetchick;
@@ -289,6 +327,8 @@ DrawList DrawSignal(const AppState& s, const SignalViewState& v, const FontMetri
     list.add(Line{0, y, w, y, MakePen(colors.ColorBeginPoint, 1, DashStyle::Dash)});
   }
 
+  if (s.Imposition && ActiveUsedCount(s) > 1) DrawLegend(s, fm, labels, w);
+  AddLabels(labels, list.background, fm, list);
   BuildSelectRegion(s, v, list);
   list.add(Rect{0, 0, w, h, MakePen(colors.ColorGrid), false, 0});
   return list;

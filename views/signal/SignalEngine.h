@@ -10,12 +10,12 @@
 
 namespace aqx::views {
 
-// AccountDataBuildSignal for one channel over ViewFirst..ViewLast: fills
+// AccountDataBuildSignal for one channel over ViewFirst..lastRow: fills
 // `columns` with widthPx rows of (top, bottom) pixel ordinates, the extremes
 // of the samples that fall on each column. widthPx is held to 10 at least;
 // ordinates far off the picture are held to -heightPx..2*heightPx.
-void ThinChannel(const AppState& s, int channel, int widthPx, int heightPx, int channelY, double pixelsPerSample,
-                 double pixelsPerUnit, std::vector<int32_t>& columns);
+void ThinChannel(const AppState& s, int channel, int widthPx, int lastRow, int heightPx, int channelY,
+                 double pixelsPerSample, double pixelsPerUnit, std::vector<int32_t>& columns);
 
 // Otmetchick over the current range: fills ShaftMarks and ShaftMarkCount and
 // returns speeds, and level and direction when the detector sets them itself.

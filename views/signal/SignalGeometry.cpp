@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace aqx::views {
 
@@ -85,15 +86,36 @@ std::vector<int> BandCentres(int heightPx, int activeCount) {
   return centres;
 }
 
-int AutoChannelYm(int signalMaxValue, float ku, int volume, int activeCount) {
-  const int peak = RoundHalfEven(signalMaxValue * kMillivoltsPerCode / SafeKu(ku) / RangeGain(volume));
-  // The scan starts at the first entry, which is also the current value, so
-  // every entry qualifies by the second condition.
-  int ym = kAmplitudeScales[0];
-  for (int entry : kAmplitudeScales) {
-    if (peak < entry && entry >= ym) return entry * std::max(1, activeCount);
+namespace {
+
+// Step k of the scales: the table's entries, then the same 1-2-5 steps on.
+int64_t ScaleStep(int k) {
+  if (k < kAmplitudeScaleCount) return kAmplitudeScales[k];
+  const int past = k - kAmplitudeScaleCount;
+  int64_t step = kAmplitudeScales[kAmplitudeScaleCount - 3 + past % 3];
+  for (int decade = 0; decade <= past / 3; ++decade) step *= 10;
+  return step;
+}
+
+}  // namespace
+
+int AutoChannelYm(double peakUnits, int activeCount) {
+  const int64_t channels = std::max(1, activeCount);
+  int64_t largest = ScaleStep(0);
+  for (int k = 0; ScaleStep(k) * channels <= std::numeric_limits<int32_t>::max(); ++k) {
+    largest = ScaleStep(k);
+    if (peakUnits < largest) break;
   }
-  return kAmplitudeScales[0];
+  return static_cast<int>(largest * channels);
+}
+
+double DisplayPeak(const ChannelSetup& ch, int c, double fromCode, double toCode, double offsetCodes) {
+  const double gain = RangeGain(ch.Volume[c]);
+  const double zero = gain * ch.Zero[c];
+  const auto units = [&](double code) {
+    return std::fabs((code - offsetCodes) * kMillivoltsPerCode - zero) / SafeKu(ch.Ku[c]) / gain;
+  };
+  return std::max(units(fromCode), units(toCode));
 }
 
 QString TimeText(double seconds) {
@@ -147,10 +169,11 @@ QString RotorSpeedText(const RotorSpeed& speed) {
   const double high = std::max(0.0, speed.RotorSpeedMax);
   const int lowPercent = std::max(0, speed.RotorPercentMin);
   const int highPercent = std::max(0, speed.RotorPercentMax);
+  const QString whole = speed.WholeRecord ? QStringLiteral("по всей записи ") : QString();
   if (low == high)
-    return FormatStandard(low) + QStringLiteral(" об/мин (") + QString::number(lowPercent) + QStringLiteral("%) ");
+    return FormatStandard(low) + QStringLiteral(" об/мин (") + QString::number(lowPercent) + QStringLiteral("%) ") + whole;
   return FormatStandard(low) + QStringLiteral("-") + FormatStandard(high) + QStringLiteral(" об/мин (") +
-         QString::number(lowPercent) + QStringLiteral("-") + QString::number(highPercent) + QStringLiteral("%) ");
+         QString::number(lowPercent) + QStringLiteral("-") + QString::number(highPercent) + QStringLiteral("%) ") + whole;
 }
 
 }  // namespace aqx::views

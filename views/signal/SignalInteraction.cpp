@@ -72,6 +72,29 @@ SignalAction& SignalAction::operator|=(const SignalAction& o) {
   return *this;
 }
 
+QString FreeCursorReading(const AppState& s, const SignalViewState& v, double y) {
+  const int current = CurrentChannel(s);
+  const bool overlaid = s.Imposition && ActiveUsedCount(s) > 1;
+  if (!overlaid) {
+    const double ppu = v.PixelsPerUnitFirst != 0.0 ? v.PixelsPerUnitFirst : 1.0;
+    const double value = (s.channels.ChannelY[current] - y) / ppu / Divisor(s);
+    return (s.UnitDivisor == 1.0 ? GroupedInteger(value) : FormatGrouped(value)) + QStringLiteral(" ") + s.UnitName;
+  }
+  // Overlaid traces each have their band, scale and unit: the reading is
+  // that of the trace whose zero line is nearest.
+  int nearest = current;
+  for (int c = 1; c <= ChannelCount(s); ++c) {
+    if (s.channels.Active[c] != 1 || s.channels.Channel[c] != 1) continue;
+    if (std::abs(s.channels.ChannelY[c] - y) < std::abs(s.channels.ChannelY[nearest] - y)) nearest = c;
+  }
+  const double ppu = PixelsPerUnitFor(v.H, s.channels.Volume[nearest], s.channels.ChannelYm[nearest]);
+  const double units = (s.channels.ChannelY[nearest] - y) / (ppu != 0.0 ? ppu : 1.0);
+  const LevelUnit unit = UnitOfLevel(s.channels.Type[nearest], s.channels.ChannelYm[nearest]).value_or(LevelUnit{});
+  const double value = units / (unit.divisor != 0.0 ? unit.divisor : 1.0);
+  return QStringLiteral("№%1: ").arg(nearest) + (unit.divisor == 1.0 ? GroupedInteger(value) : FormatGrouped(value)) +
+         QStringLiteral(" ") + unit.name;
+}
+
 bool CrossPointer(const AppState& s) { return CursorOf(s) != SignalCursor::None; }
 
 SignalAction MouseDown(AppState& s, SignalViewState& v, MouseButton b, double x,
@@ -107,10 +130,7 @@ SignalAction MouseMove(AppState& s, SignalViewState& v, double x, double y,
     const bool inStore = v.CursorSample >= 1 && v.CursorSample <= n;
     if (CursorOf(s) == SignalCursor::Free) {
       v.CursorY = RoundHalfEven(y);
-      const double ppu = v.PixelsPerUnitFirst != 0.0 ? v.PixelsPerUnitFirst : 1.0;
-      const double value = (s.channels.ChannelY[current] - y) / ppu / Divisor(s);
-      v.CursorValueText = (s.UnitDivisor == 1.0 ? GroupedInteger(value) : FormatGrouped(value)) +
-                          QStringLiteral(" ") + s.UnitName;
+      v.CursorValueText = FreeCursorReading(s, v, y);
     }
     // A sample beyond the store ends the event without a word.
     if (!inStore) return a;
@@ -210,8 +230,7 @@ SignalAction SliderVChanged(AppState& s, SignalViewState& v, int position) {
   const int current = CurrentChannel(s);
   v.SliderV = std::clamp(position, -1, 17);
   if (v.SliderV == -1) {
-    s.channels.ChannelYm[current] = AutoChannelYm(s.SignalMaxValue[current], s.channels.Ku[current],
-                                                  s.channels.Volume[current], ActiveUsedCount(s));
+    s.channels.ChannelYm[current] = AutoScaleOf(s, v, current, ActiveUsedCount(s));
     v.SliderVToolTip = QStringLiteral("Авто");
   } else {
     const int entry = AmplitudeScale(v.SliderV);

@@ -12,6 +12,7 @@
 
 #include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace aqx::views {
@@ -40,6 +41,9 @@ struct RotorSpeed {
   int RotorPercentMax = 0;
   int OtmetchickLevel = 100;
   int OtmetchickDirect = 1;
+  // The stretch in force held fewer than two marks: the speed is the whole
+  // record's.
+  bool WholeRecord = false;
 };
 
 // ---------------------------------------------------------------------------
@@ -92,6 +96,21 @@ struct SignalViewState {
   // frmViewColorProperty is open: a cursor move fills ColorPropertyValues.
   bool ColorPropertyOpen = false;
 
+  // Least and greatest code of each channel over ViewFirst..ViewLast, kept
+  // while neither the samples nor the stretch change (SampleStore's write
+  // count): the automatic scales read them.
+  struct Extremes {
+    uint64_t writeCount = ~uint64_t{0};
+    int first = 0, last = 0, rows = 0;
+    PerChannel<int16_t> least, greatest;
+  } extremes;
+
+  // Zooms taken back by ZoomBack, newest last: zoom and centre sample.
+  std::vector<std::pair<int, int>> zoomHistory;
+  // The box of a zoom drawn with Ctrl held, pixel columns; -1 when none.
+  int ZoomBoxFrom = -1;
+  int ZoomBoxTo = -1;
+
   // One parameter line per channel for the copy header.
   PerChannel<QString> ChannelParameterText;
   // Value texts for frmViewColorProperty, per active channel, from the last
@@ -124,10 +143,15 @@ int SelectionSampleAt(double x, int viewFirst, int viewLast, int widthPx);
 // Zero lines of the active used channels sharing the height in equal bands:
 // round(H*k/n + (H/n)/2) for k = 0..n-1.
 std::vector<int> BandCentres(int heightPx, int activeCount);
-// Auto scale: smallest AmplitudeScales entry above the channel's peak (in
-// display units at gain 0), times the number of active channels; 10 when the
-// peak exceeds every entry.
-int AutoChannelYm(int signalMaxValue, float ku, int volume, int activeCount);
+// Auto scale: the smallest step above the channel's peak in display units,
+// times the number of active channels. The steps are the AmplitudeScales
+// entries and, past them, the same 1-2-5 steps on, as far as the value fits
+// 32 bits; a peak above all of them gets the largest.
+int AutoChannelYm(double peakUnits, int activeCount);
+// The peak a channel shows between its least and greatest code, in display
+// units (no gain): what is drawn is (code - offset) × 1.25 - 4^Volume × Zero
+// over Ku, and the offset counts only with AccountOffset.
+double DisplayPeak(const ChannelSetup& ch, int channel, double leastCode, double greatestCode, double offsetCodes);
 // Time of day text of a moment in seconds: long time form, "." and three
 // digits of milliseconds when these are not zero.
 QString TimeText(double seconds);
@@ -158,6 +182,9 @@ void SetY0(AppState& s, SignalViewState& v);
 void RefreshElementsImposition(const AppState& s, SignalViewState& v);
 // Equal bands and auto scales (only with AutoY0).
 void AccountChannelY0(AppState& s, SignalViewState& v);
+// The automatic scale of channel c, from the channel's extremes over the
+// stretch in view (worked out anew only when samples or stretch changed).
+int AutoScaleOf(const AppState& s, SignalViewState& v, int channel, int activeCount);
 
 // What a drawing needs in the state and the window: places unplaced
 // channels, sets PixelsPerSample, PixelsPerUnitFirst, the unit and the speed
@@ -227,8 +254,30 @@ SignalAction SetTypeCursorViewSignal(AppState& s, SignalViewState& v, SignalCurs
 // SignalLineCenter, SignalBeginPoint.
 SignalAction SignalLineCenter(AppState& s);
 SignalAction SignalBeginPoint(AppState& s);
+// What the free cursor reads at pixel row y: the current channel's level, or
+// with channels overlaid, the level of the trace whose zero line is nearest,
+// in that trace's own unit ("№3: 12 мкм").
+QString FreeCursorReading(const AppState& s, const SignalViewState& v, double y);
 // Pointer over the picture: true for the cross icon.
 bool CrossPointer(const AppState& s);
+
+// Zoom by `steps` powers of two (in for positive), the sample under pixel
+// column x staying under it; each zoom is remembered for ZoomBack.
+SignalAction ZoomAround(AppState& s, SignalViewState& v, double x, int steps);
+// The deepest zoom that shows samples first..last, centred on them.
+SignalAction ZoomToStretch(AppState& s, SignalViewState& v, int first, int last);
+// Back to the zoom and place before the last zoom; nothing when none.
+SignalAction ZoomBack(AppState& s, SignalViewState& v);
+// The whole store in view.
+SignalAction ShowAll(AppState& s, SignalViewState& v);
+// Moves the view by a number of pixels (positive: later in time).
+SignalAction PanBy(AppState& s, SignalViewState& v, double pixels);
+// The zoom box drawn with Ctrl held: start, drag, and on release the zoom to
+// its stretch. AppendZoomBox puts it over the picture.
+void StartZoomBox(SignalViewState& v, double x);
+void DragZoomBox(SignalViewState& v, double x);
+SignalAction EndZoomBox(AppState& s, SignalViewState& v);
+void AppendZoomBox(const SignalViewState& v, DrawList& list);
 
 // ---------------------------------------------------------------------------
 // FormResize: where the bars go in the window's inner area.
