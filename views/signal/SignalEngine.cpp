@@ -36,4 +36,17 @@ RotorSpeed RunOtmetchick(AppState& s, const SignalViewOptions& o) {
   return speed;
 }
 
+SignalViewOptions EngineOptionsFromSettings(const AppState& s) {
+  SignalViewOptions o;
+  o.StatusFilterConst = s.options.parameters.StatusFilterConst;
+  o.SignalParameterMax = s.options.parameters.SignalParameterMax;
+  const OtmetchickOptions& otm = s.options.otmetchick;
+  o.OtmetchickAuto = otm.OtmetchickAuto;
+  o.OtmetchickLevel = otm.OtmetchickLevel;
+  o.OtmetchickDirect = otm.OtmetchickDirect;
+  o.OtmetchickDrebezg = otm.OtmetchickDrebezg;
+  o.OtmetchickNoise = otm.OtmetchickNoise;
+  return o;
+}
+
 }  // namespace aqx::views

@@ -21,4 +21,9 @@ void ThinChannel(const AppState& s, int channel, int widthPx, int heightPx, int 
 // returns speeds, and level and direction when the detector sets them itself.
 RotorSpeed RunOtmetchick(AppState& s, const SignalViewOptions& o);
 
+// What the engine steps read from the options (the constant part filter, the
+// max/mean switch, the shaft marker detector), taken from the settings in the
+// state: the options of a command that has no window.
+SignalViewOptions EngineOptionsFromSettings(const AppState& s);
+
 }  // namespace aqx::views
