@@ -22,10 +22,7 @@ std::string_view LocalName(std::string_view name) {
   return colon == std::string_view::npos ? name : name.substr(colon + 1);
 }
 
-std::string_view Prefix(std::string_view name) {
-  const size_t colon = name.find(':');
-  return colon == std::string_view::npos ? std::string_view() : name.substr(0, colon + 1);
-}
+std::string_view Prefix(std::string_view name) { return name.substr(0, name.size() - LocalName(name).size()); }
 
 // Calls visit(tag) for each start, end and empty-element tag in order until
 // it returns false; markup that is no element is passed over. Quoted

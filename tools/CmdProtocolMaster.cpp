@@ -6,7 +6,6 @@
 // and the parameters instead.
 
 #include "files/FileReaders.h"
-#include "tools/ChosenOutput.h"
 #include "tools/ReportToolSupport.h"
 
 #include <algorithm>
@@ -63,10 +62,7 @@ int RunProtocolMaster(ToolContext& ctx) {
       !Pick(ListOption(ctx.args, QStringLiteral("--parameters")), reports::MasterParameters(),
             reports::MasterParameterName, "parameter", choice.parameters))
     return kExitRefused;
-  const std::unique_ptr<AppState> state = ReportToolState(ctx);
-  ChosenOutput prompts(*ctx.prompts, paths[0]);
-  reports::ReportContext report{*state, prompts, readers, {}};
-  return ReportExit(ctx, reports::ReportMasterCommand(report, choice));
+  return RunReport(ctx, paths[0], [&](reports::ReportContext& report) { return reports::ReportMasterCommand(report, choice); });
 }
 
 }  // namespace aqx::tool

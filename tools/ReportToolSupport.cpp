@@ -1,21 +1,25 @@
 #include "tools/ReportToolSupport.h"
 
 #include "core/Config.h"
+#include "files/FileReaders.h"
+#include "tools/ChosenOutput.h"
 #include "tools/ToolSettings.h"
 
 #include <QDir>
 
+#include <memory>
+
 namespace aqx::tool {
 
-std::unique_ptr<AppState> ReportToolState(const ToolContext& ctx) {
+int RunReport(ToolContext& ctx, const QString& output,
+              const std::function<reports::ReportResult(reports::ReportContext&)>& command) {
   auto state = std::make_unique<AppState>();
-  const auto store = OpenToolSettings(ctx);
-  LoadConfigReg(*state, *store);
+  LoadConfigReg(*state, *OpenToolSettings(ctx));
   state->PathFileData.clear();
-  return state;
-}
-
-int ReportExit(const ToolContext& ctx, const reports::ReportResult& result) {
+  ChosenOutput prompts(*ctx.prompts, output);
+  const FileReaderTable readers = StandardFileReaders();
+  reports::ReportContext report{*state, prompts, readers, {}};
+  const reports::ReportResult result = command(report);
   switch (result.outcome) {
     case reports::ReportOutcome::Written:
       Print(ctx.out, QDir::toNativeSeparators(result.workbookPath) + QLatin1Char('\n'));

@@ -4,7 +4,6 @@
 
 #include "ReportTestSupport.h"
 
-#include "files/FileReaders.h"
 #include "reports/ProtocolTable.h"
 #include "reports/ReportCommands.h"
 
@@ -23,16 +22,11 @@ std::pair<int, int> Pair(const QString& text) {
   return {parts.value(0).toInt(), parts.value(1).toInt()};
 }
 
-class ReportFolder : public ::testing::Test {
+class ReportFolder : public RecordingFolder {
  protected:
-  QTemporaryDir dir;
-  ScriptedPrompts prompts;
-  std::unique_ptr<AppState> state = std::make_unique<AppState>();
-  FileReaderTable readers = StandardFileReaders();
-
   void SetUp() override {
     ASSERT_TRUE(WriteAnalyticRecording(dir.filePath(QStringLiteral("a_rec.aqx")), {}, prompts));
-    ASSERT_TRUE(WriteBytes(dir.filePath(QStringLiteral("b_broken.aqx")), "no recording at all"));
+    ASSERT_TRUE(WriteFile(dir.filePath(QStringLiteral("b_broken.aqx")), "no recording at all"));
     AnalyticRecording idle;
     idle.mode = QStringLiteral("Холостой ход");
     idle.vibrationPeakToPeak = 400.0;
@@ -125,11 +119,7 @@ TEST_F(ReportFolder, ProtocolWithoutTheMaximumShowsMeansOnly) {
   EXPECT_NEAR(t.text(3, 8).toInt(), 800, 16);
 }
 
-TEST(ReportEmptyFolder, GivesAnEmptyTable) {
-  QTemporaryDir dir;
-  ScriptedPrompts prompts;
-  auto state = std::make_unique<AppState>();
-  const FileReaderTable readers = StandardFileReaders();
+TEST_F(RecordingFolder, EmptyFolderGivesAnEmptyTable) {
   ReportContext ctx{*state, prompts, readers, {}};
   const ReportWalk walk = ReadReportFiles(ctx, FolderRecordings(dir.path()));
   EXPECT_TRUE(walk.files.empty());

@@ -4,7 +4,6 @@
 
 #include "TemplateFormTest.h"
 
-#include "files/FileReaders.h"
 #include "reports/ReportCommands.h"
 
 #include <QTemporaryDir>
@@ -16,12 +15,8 @@ namespace {
 
 using namespace testing_reports;
 
-class ReportCommand : public ::testing::Test {
+class ReportCommand : public RecordingFolder {
  protected:
-  QTemporaryDir dir;
-  ScriptedPrompts prompts;
-  std::unique_ptr<AppState> state = std::make_unique<AppState>();
-  FileReaderTable readers = StandardFileReaders();
   std::vector<std::pair<int, int>> progress;
   int cancelAt = -1;
   ReportContext ctx{*state, prompts, readers, [this](int done, int count) {
@@ -120,12 +115,12 @@ TEST_F(ReportCommand, MasterNeedsFilesAndTellsWhenDone) {
 TEST_F(ReportCommand, TemplateIsFilledFromTheFolderAndNeverOverwritten) {
   const QString form = Out(QStringLiteral("Форма.xlsx"));
   ASSERT_TRUE(Zip(form, FormParts()));
-  const QByteArray formBytes = ReadBytes(form);
+  const QByteArray formBytes = ReadFile(form);
   prompts.texts = {form, form};
   EXPECT_EQ(ReportPatternCommand(ctx).outcome, ReportOutcome::Failed);
   EXPECT_EQ(prompts.shown[0].title, QStringLiteral("Открыть шаблон"));
   EXPECT_TRUE(prompts.lastMessage().startsWith(QStringLiteral("Заполненный протокол нельзя записать поверх шаблона")));
-  EXPECT_EQ(ReadBytes(form), formBytes);
+  EXPECT_EQ(ReadFile(form), formBytes);
 
   prompts.texts = {form, Out(QStringLiteral("filled.xlsx"))};
   const ReportResult result = ReportPatternCommand(ctx);
@@ -136,12 +131,12 @@ TEST_F(ReportCommand, TemplateIsFilledFromTheFolderAndNeverOverwritten) {
   EXPECT_NE(strings.find(">300<"), std::string::npos);
   EXPECT_EQ(strings.find(kTagOtherMode), std::string::npos);
   EXPECT_NE(strings.find(kTagUnusedProbe), std::string::npos);
-  EXPECT_EQ(ReadBytes(form), formBytes);
+  EXPECT_EQ(ReadFile(form), formBytes);
 }
 
 TEST_F(ReportCommand, TemplateWithoutTagsOrInTheOldFormatIsTold) {
   const QString xls = Out(QStringLiteral("old.xls"));
-  ASSERT_TRUE(WriteBytes(xls, QByteArray("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8)));
+  ASSERT_TRUE(WriteFile(xls, QByteArray("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8)));
   EXPECT_EQ(FillFolderTemplate(ctx, dir.path(), xls).outcome, ReportOutcome::Failed);
   EXPECT_EQ(Kinds(), std::vector<ShownPrompt::Kind>{ShownPrompt::Kind::Message});  // before any dialog
   EXPECT_TRUE(prompts.lastMessage().contains(QStringLiteral("(*.xlsx)")));

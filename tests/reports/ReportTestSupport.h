@@ -6,10 +6,15 @@
 #include "core/ChannelPhysics.h"
 #include "core/Prompts.h"
 #include "files/DataFile.h"
+#include "files/FileReaders.h"
+#include "tests/files/DataFileTestSupport.h"
 
 #include <QByteArray>
 #include <QFile>
 #include <QString>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 #include <zip.h>
 
@@ -44,6 +49,18 @@ struct AnalyticRecording {
   double vibrationPeakToPeak = 800.0;
   double vibrationPhaseDegrees = 90.0;
   float clearanceKS = 100.0f;
+};
+
+using testing::ReadFile;
+using testing::WriteFile;
+
+// A folder of recordings to report on, and the recording in memory.
+class RecordingFolder : public ::testing::Test {
+ protected:
+  QTemporaryDir dir;
+  ScriptedPrompts prompts;
+  std::unique_ptr<AppState> state = std::make_unique<AppState>();
+  FileReaderTable readers = StandardFileReaders();
 };
 
 // (peak-to-peak / 2) cos(2 pi f t - phase), t = 0 at row 1.
@@ -82,16 +99,6 @@ inline bool WriteAnalyticRecording(const QString& path, const AnalyticRecording&
   }
   s->PathFileData = path;
   return WriteDataFile(*s, prompts);
-}
-
-inline bool WriteBytes(const QString& path, const QByteArray& bytes) {
-  QFile f(path);
-  return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
-
-inline QByteArray ReadBytes(const QString& path) {
-  QFile f(path);
-  return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 // Every entry of a zip file by name, uncompressed; empty when it is no zip.

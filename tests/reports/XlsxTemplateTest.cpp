@@ -45,7 +45,7 @@ class TemplateForm : public ::testing::Test {
     const std::optional<QByteArray> bytes = form->fill(FormValues(), replaced, error);
     EXPECT_TRUE(bytes) << error.toStdString();
     const QString out = dir.filePath(QStringLiteral("out.xlsx"));
-    EXPECT_TRUE(bytes && WriteBytes(out, *bytes));
+    EXPECT_TRUE(bytes && WriteFile(out, *bytes));
     return Unzip(out);
   }
 };
@@ -54,7 +54,7 @@ TEST_F(TemplateForm, EveryTagIsFilledAndEverythingElseKeptByteForByte) {
   const auto original = FormParts();
   const QByteArray formBytes = [&] {
     EXPECT_TRUE(Zip(formPath, original));
-    return ReadBytes(formPath);
+    return ReadFile(formPath);
   }();
   int replaced = 0;
   std::map<std::string, std::string> parts = FillForm(original, replaced);
@@ -83,7 +83,7 @@ TEST_F(TemplateForm, EveryTagIsFilledAndEverythingElseKeptByteForByte) {
   std::string workbook = FormWorkbook();
   workbook.insert(workbook.find("</workbook>"), "<calcPr fullCalcOnLoad=\"1\"/>");
   EXPECT_EQ(parts["xl/workbook.xml"], workbook);
-  EXPECT_EQ(ReadBytes(formPath), formBytes);
+  EXPECT_EQ(ReadFile(formPath), formBytes);
 }
 
 TEST_F(TemplateForm, ExcelTemplateComesOutAsAWorkbook) {
@@ -97,7 +97,7 @@ TEST_F(TemplateForm, FormsThatCannotBeFilledAreRefusedWithTheReason) {
   QByteArray binary("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8);
   binary.append(512, '\0');
   const QString xls = dir.filePath(QStringLiteral("Форма.xls"));
-  ASSERT_TRUE(WriteBytes(xls, binary));
+  ASSERT_TRUE(WriteFile(xls, binary));
   EXPECT_FALSE(TemplateWorkbook::open(xls, error));
   EXPECT_TRUE(error.contains(QStringLiteral("старом формате Excel 97-2003 (*.xls)")));
   EXPECT_TRUE(error.contains(QStringLiteral("сохраните как книгу Excel (*.xlsx)")));

@@ -55,7 +55,7 @@ TEST_F(ProtocolCommands, WriteTheirWorkbooksAndSayWhere) {
 
 TEST_F(ProtocolCommands, TemplateInTheOldFormatIsRefusedWithNothingWritten) {
   const QString xls = path(QStringLiteral("form.xls"));
-  ASSERT_TRUE(testing_reports::WriteBytes(xls, QByteArray("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8)));
+  ASSERT_TRUE(testing_reports::WriteFile(xls, QByteArray("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8)));
   EXPECT_EQ(Run(RunProtocolTemplate, {path(QStringLiteral("rec")), xls, path(QStringLiteral("out.xlsx"))}),
             kExitFailure);
   EXPECT_TRUE(prompts.lastMessage().contains(QStringLiteral("(*.xls)")));
