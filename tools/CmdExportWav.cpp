@@ -4,43 +4,12 @@
 
 #include "files/FileReaders.h"
 #include "files/Wave.h"
+#include "tools/ChosenOutput.h"
 #include "tools/ToolCommand.h"
 
 #include <memory>
 
 namespace aqx::tool {
-
-namespace {
-
-// Passes everything on to the tool's prompts, but chooses OUT where the
-// command would show the save dialog.
-class ChosenOutput : public Prompts {
- public:
-  ChosenOutput(Prompts& inner, QString output) : inner_(inner), output_(std::move(output)) {}
-  PromptAnswer message(const QString& text, const QString& title, PromptButtons buttons,
-                       PromptIcon icon) override {
-    return inner_.message(text, title, buttons, icon);
-  }
-  std::optional<QString> input(const QString& prompt, const QString& title,
-                               const QString& defaultText) override {
-    return inner_.input(prompt, title, defaultText);
-  }
-  std::optional<QString> chooseOpenFile(const QString& title, const QString& folder,
-                                        const QString& filter) override {
-    return inner_.chooseOpenFile(title, folder, filter);
-  }
-  std::optional<QString> chooseSaveFile(const QString&, const QString&, const QString&,
-                                        const QString&) override {
-    return output_;
-  }
-  void notice(const QStringList& lines) override { inner_.notice(lines); }
-
- private:
-  Prompts& inner_;
-  QString output_;
-};
-
-}  // namespace
 
 int RunExportWav(ToolContext& ctx) {
   const QStringList paths = Positionals(ctx.args, {});

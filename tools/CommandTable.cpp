@@ -12,6 +12,9 @@ int RunExportWav(ToolContext& ctx);
 int RunConfig(ToolContext& ctx);
 int RunDemo(ToolContext& ctx);
 int RunRecord(ToolContext& ctx);
+int RunProtocol(ToolContext& ctx);
+int RunProtocolMaster(ToolContext& ctx);
+int RunProtocolTemplate(ToolContext& ctx);
 
 namespace {
 const ToolCommand kCommands[] = {
@@ -24,6 +27,11 @@ const ToolCommand kCommands[] = {
     {"config", "config list|save|restore|rename|delete  named configurations of the settings", RunConfig},
     {"demo", "demo OUT.aqx [--seconds S]   demonstration recording of the virtual module", RunDemo},
     {"record", "record OUT.aqx --mode cyclic|solid --seconds S  measurement run with the settings' channels", RunRecord},
+    {"protocol", "protocol FOLDER OUT.xlsx     protocol of the recordings of a folder", RunProtocol},
+    {"protocol-master", "protocol-master OUT.xlsx FILE... [--channels \"A;B\"] [--parameters \"P;Q\"] [--list]  "
+     "the master's table of chosen channels and parameters", RunProtocolMaster},
+    {"protocol-template", "protocol-template FOLDER FORM.xlsx OUT.xlsx  a station's form filled from a folder",
+     RunProtocolTemplate},
 };
 }  // namespace
 

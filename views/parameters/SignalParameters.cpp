@@ -68,6 +68,11 @@ void AddLevelPanels(const AppState& s, int channel, int count, std::vector<Param
 
 }  // namespace
 
+double RunoutShift(const AppState& s, int channel) {
+  const double codes = s.AccountOffset ? s.SignalOffset[channel] - s.channels.KS[channel] : s.SignalOffset[channel];
+  return CodesToUnits(s.channels, channel, codes);
+}
+
 ParameterBar BuildParameterBar(AppState& s, SignalViewState& v,
                                const ParameterReadings& r, int barWidthPx) {
   if (s.UnitDivisor == 0.0) s.UnitDivisor = 1.0;
@@ -79,9 +84,7 @@ ParameterBar BuildParameterBar(AppState& s, SignalViewState& v,
       panels.push_back({QStringLiteral("ОУ (0-20Гц): ") + QString::number(r.BandMax[1]) + QStringLiteral("мкм "),
                         QStringLiteral("Общий уровень - максимальное значение")});
       panels.push_back({HarmonicText(r), QStringLiteral("Усредненная амплитуда 1 гармоники")});
-      const double shift =
-          CodesToUnits(s.channels, c, s.AccountOffset ? s.SignalOffset[c] - s.channels.KS[c] : s.SignalOffset[c]);
-      panels.push_back({QStringLiteral("Смещение: ") + QString::number(static_cast<qint64>(std::trunc(shift))) +
+      panels.push_back({QStringLiteral("Смещение: ") + QString::number(static_cast<qint64>(std::trunc(RunoutShift(s, c)))) +
                             QStringLiteral("мкм "),
                         QStringLiteral("Смещение вала в сторону датчика")});
       break;

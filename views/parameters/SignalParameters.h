@@ -33,6 +33,11 @@ struct ParameterBar {
   int panelWidthPx = 0;                // bar width / panel count, rounded
 };
 
+// The shaft's shift toward a run-out sensor, in the channel's units: its
+// constant part over the stretch, less the clearance KS when AccountOffset
+// is on. Needs SignalOffset of the last AccountSignalMax.
+double RunoutShift(const AppState& s, int channel);
+
 // The panels of FirstChannelActive by its type. Sets UnitDivisor 0 to 1 and
 // calls SetChannelUnit for level texts; fills v.ChannelParameterText of the
 // channel.
