@@ -48,51 +48,26 @@ std::pair<int32_t, int32_t> LineRange(size_t begin, size_t end) {
   return {static_cast<int32_t>(begin) + 1, static_cast<int32_t>(end) + 1};
 }
 
-// A long block as its even and its odd samples, read and transformed at
-// once on two threads, then joined by one butterfly a line:
-// X[k] = E[k] + exp(-2*pi*i*k/L) * O[k]. False when no memory or plan.
-bool TransformInHalves(const int16_t* signalData, int32_t column, int32_t firstRow, int32_t L, double* buffer) {
-  const int32_t half = L / 2;
-  const auto halfPlan = PlanFor(FftKind::RealToComplex, half);
-  std::array<WorkBuffer, 2> parts = {WorkBuffer(RealTransformDoubles(half)), WorkBuffer(RealTransformDoubles(half))};
-  if (!halfPlan || parts[0].data() == nullptr || parts[1].data() == nullptr) return false;
-  auto transform = [&](int32_t parity) {
-    const int16_t* src = CodePtr(signalData, firstRow + parity, column);
-    double* out = parts[static_cast<size_t>(parity)].data();
-    for (int32_t i = 0; i < half; ++i) out[i] = src[static_cast<size_t>(i) * 2 * kColumns];
-    halfPlan->execute(out);
-  };
-  RunBoth([&] { transform(0); }, [&] { transform(1); });
-
-  const double* even = parts[0].data();
-  const double* odd = parts[1].data();
-  const size_t quarter = static_cast<size_t>(half) / 2;
-  SplitInTwo(static_cast<size_t>(half) + 1, [&](size_t begin, size_t end) {
-    constexpr size_t kChunk = 1024;
-    std::array<double, 2 * kChunk> twiddle;
-    for (size_t chunk = begin; chunk < end; chunk += kChunk) {
-      const size_t chunkEnd = std::min(end, chunk + kChunk);
-      FillRotation(1, L, static_cast<int32_t>(chunk), static_cast<int32_t>(chunkEnd), twiddle.data());
-      for (size_t k = chunk; k < chunkEnd; ++k) {
-        // Past a quarter the halves' lines mirror: E[k] = conj(E[L/2 - k]).
-        const size_t j = k <= quarter ? k : static_cast<size_t>(half) - k;
-        const double sign = k <= quarter ? 1.0 : -1.0;
-        const double er = even[2 * j], ei = sign * even[2 * j + 1];
-        const double orr = odd[2 * j], oi = sign * odd[2 * j + 1];
-        const double wr = twiddle[2 * (k - chunk)], wi = twiddle[2 * (k - chunk) + 1];
-        buffer[2 * k] = er + wr * orr - wi * oi;
-        buffer[2 * k + 1] = ei + wr * oi + wi * orr;
-      }
-    }
-  });
-  return true;
+// Lines [first, last) in chunks short enough for their rotation to stay in
+// the first-level cache: each(chunkFirst, chunkLast, rotation or null).
+template <class Each>
+void InRotatedChunks(int64_t shift, int32_t L, bool rotate, int32_t first, int32_t last, const Each& each) {
+  constexpr int32_t kChunk = 1024;
+  std::array<double, 2 * kChunk> turn;
+  for (int32_t chunk = first; chunk < last; chunk += kChunk) {
+    const int32_t chunkEnd = std::min(last, chunk + kChunk);
+    if (rotate) FillRotation(shift, L, chunk, chunkEnd, turn.data());
+    each(chunk, chunkEnd, rotate ? turn.data() : nullptr);
+  }
 }
 
 // Reads L codes of one column from `firstRow` into the buffer and transforms.
+// One transform on one thread: two transforms of the even and odd samples
+// on two threads cost a third more in all, since each thread then reads
+// every row of the store for half the samples (bench_engine), and the read,
+// shared by the two threads, is what a long block costs most.
 void TransformBlock(const int16_t* signalData, int32_t column, int32_t firstRow, int32_t L,
                     const FftPlan& plan, double* buffer) {
-  const bool longBlock = L >= 2 * static_cast<int32_t>(kSplitLeastItems) && L % 4 == 0;
-  if (longBlock && TransformInHalves(signalData, column, firstRow, L, buffer)) return;
   ReadColumn(signalData, firstRow, column, L, buffer);
   plan.execute(buffer);
 }
@@ -128,7 +103,7 @@ struct BlockWork {
   const Blocks& blocks;
   const FftPlan& plan;
   WorkBuffer& work;
-  WorkBuffer& rotation;  // empty when no line needs turning
+  bool rotate;  // lines are turned to the reference instant
   double lineScale;
   double zeroScale;
   // Line 0 and the one or two lines past L/2 - 1 go the general way.
@@ -154,13 +129,11 @@ void StoreZeroLine(double mean, const SpectrumLinesOut& out) {
 void SingleBlock(BlockWork& w, const SpectrumLinesOut& out) {
   const int32_t L = w.blocks.length;
   const int64_t shift = w.transform(w.request.firstRow);
-  const bool rotate = w.rotation.data() != nullptr;
   SplitInTwo(static_cast<size_t>(w.blocks.inner - 1), [&](size_t begin, size_t end) {
     const auto [first, last] = LineRange(begin, end);
-    double* turn = rotate ? w.rotation.data() + 2 * static_cast<size_t>(first - 1) : nullptr;
-    if (turn != nullptr) FillRotation(shift, L, first, last, turn);
-    WindowedLines(w.work.data(), first, last, turn, w.lineScale, out.amplitude.data(), out.phase.data(),
-                  out.real.data());
+    InRotatedChunks(shift, L, w.rotate, first, last, [&](int32_t lo, int32_t hi, const double* turn) {
+      WindowedLines(w.work.data(), lo, hi, turn, w.lineScale, out.amplitude.data(), out.phase.data(), out.real.data());
+    });
   });
   for (int32_t k : w.edgeLines) {
     const Complex z = WindowedLine(w.x(), L, k) * RotationAt(shift, L, k);
@@ -189,9 +162,9 @@ bool AveragedBlocks(BlockWork& w, const SpectrumLinesOut& out) {
     const int64_t shift = w.transform(w.request.firstRow + b * w.blocks.hop);
     SplitInTwo(static_cast<size_t>(w.blocks.inner - 1), [&](size_t begin, size_t end) {
       const auto [first, last] = LineRange(begin, end);
-      double* turn = w.rotation.data() + 2 * static_cast<size_t>(first - 1);
-      FillRotation(shift, L, first, last, turn);
-      AccumulateLines(w.work.data(), first, last, turn, magnitudes.data(), sums.data());
+      InRotatedChunks(shift, L, true, first, last, [&](int32_t lo, int32_t hi, const double* turn) {
+        AccumulateLines(w.work.data(), lo, hi, turn, magnitudes.data(), sums.data());
+      });
     });
     for (int32_t k : w.edgeLines) {
       const Complex z = WindowedLine(w.x(), L, k) * RotationAt(shift, L, k);
@@ -231,11 +204,7 @@ std::optional<SpectrumSummary> ComputeSpectrum(std::span<const int16_t> store, c
   WorkBuffer work(RealTransformDoubles(L));
   if (!plan || work.data() == nullptr) return std::nullopt;
   const bool rotate = blocks.count > 1 || (static_cast<int64_t>(r.firstRow) - r.referenceRow) % L != 0;
-  WorkBuffer rotation;
-  if (rotate) rotation = WorkBuffer(2 * static_cast<size_t>(blocks.inner));
-  if (rotate && rotation.data() == nullptr) return std::nullopt;
-
-  BlockWork w{store.data(), r, blocks, *plan, work, rotation, 8.0 / L * r.unitsPerCode, 2.0 / L * r.unitsPerCode, {0}};
+  BlockWork w{store.data(), r, blocks, *plan, work, rotate, 8.0 / L * r.unitsPerCode, 2.0 / L * r.unitsPerCode, {0}};
   for (int32_t k = blocks.inner; k < blocks.lines; ++k) w.edgeLines.push_back(k);
   if (blocks.count == 1) {
     SingleBlock(w, out);
