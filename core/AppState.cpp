@@ -16,10 +16,12 @@
 namespace aqx {
 
 // Anonymous memory comes zeroed from the system a page at a time, on first
-// touch.
+// touch. Large pages where the system has them: a full recording then costs
+// a few dozen page faults instead of sixteen thousand.
 SampleStore::SampleStore() {
   void* p = mmap(nullptr, kBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (p == MAP_FAILED) throw std::bad_alloc();
+  madvise(p, kBytes, MADV_HUGEPAGE);
   codes_ = static_cast<int16_t*>(p);
 }
 
