@@ -8,8 +8,12 @@
 // - The virtual module at 100 kHz in total (16 channels at 6250 Hz) with the
 //   consumer copying the newest cycle every millisecond as the program's
 //   timer does, against the same polling loop copying the same rows out of
-//   a plain buffer. Counters: rows a second the run delivered, and the CPU
-//   share of the library's threads and of the consumer (percent of one core).
+//   a plain buffer. Counters: rows a second the run delivered, the CPU share
+//   of the library's threads and of the consumer (percent of one core), and
+//   what every copy shows: two channels of the module's signal count its
+//   rows, so each copy is checked row by row and rows missing between two
+//   neighbours (lost_rows) or out of order (disordered_rows) are counted.
+//   The check's own time is left out of the consumer's share.
 //
 // AQX_BENCH_DIR chooses the folder of the big file (default: the current
 // one), AQX_BENCH_SOLID_GB its size (default 3). The file is removed at the
@@ -156,6 +160,13 @@ double ThreadCpuSeconds() {
 constexpr double kRunSeconds = 5.0;
 constexpr auto kPoll = std::chrono::milliseconds(1);
 
+// The count of the row at index r of a copy: a counter code is its count
+// modulo 16384, kept in -8192..8191.
+int64_t CountAt(const int16_t* store, int32_t r) {
+  const int16_t* row = store + static_cast<size_t>(r) * AQX_SIGNAL_COLUMNS;
+  return ((row[1] + 16384) % 16384) * 16384 + (row[0] + 16384) % 16384;
+}
+
 // The number of rows a copy shows: channels 1 and 2 count the rows, channel
 // 3 is a constant that marks the rows already there (a cycle fills from its
 // start until it is whole).
@@ -168,12 +179,26 @@ int64_t RowsShown(const int16_t* store, int32_t cycleRows) {
     if (present(mid)) lo = mid;
     else hi = mid - 1;
   }
-  const int16_t* last = store + static_cast<size_t>(lo) * AQX_SIGNAL_COLUMNS;
-  // A counter code is its count modulo 16384, kept in -8192..8191.
-  const int64_t low = (last[0] + 16384) % 16384;
-  const int64_t high = (last[1] + 16384) % 16384;
-  return high * 16384 + low + 1;
+  return CountAt(store, lo) + 1;
 }
+
+struct CopyCheck {
+  int64_t copies = 0;
+  int64_t lostRows = 0;
+  int64_t disorderedRows = 0;
+
+  // Every present row of a copy must count one past the row before it.
+  void check(const int16_t* store, int32_t cycleRows) {
+    ++copies;
+    int64_t previous = -1;
+    for (int32_t r = 0; r < cycleRows && store[static_cast<size_t>(r) * AQX_SIGNAL_COLUMNS + 2] != 0; ++r) {
+      const int64_t count = CountAt(store, r);
+      if (previous >= 0 && count > previous + 1) lostRows += count - previous - 1;
+      if (previous >= 0 && count <= previous) ++disorderedRows;
+      previous = count;
+    }
+  }
+};
 
 // Polls as the program's timer does until a new transfer shows; the moment
 // it showed and the rows.
@@ -194,6 +219,7 @@ void BM_VirtualModule100kHz(benchmark::State& bench, int32_t cycleRows) {
   const std::array<int32_t, 32> on = FirstChannelsOn(kChannels);
   const std::array<int32_t, 32> volume{};
   double rowsPerSecond = 0, libraryShare = 0, consumerShare = 0, polls = 0;
+  CopyCheck check;
   for (auto _ : bench) {
     int32_t freq = 6250;  // 16 x 6250 Hz = 100 kHz, divider 80
     char moduleText[17];
@@ -207,12 +233,16 @@ void BM_VirtualModule100kHz(benchmark::State& bench, int32_t cycleRows) {
     const auto [t0, rows0] = NextTransfer(store.get(), cycleRows);
     const double cpu0 = ProcessCpuSeconds(), own0 = ThreadCpuSeconds();
     int64_t n = 0;
+    double checking = 0.0;
     while (std::chrono::steady_clock::now() - t0 < std::chrono::duration<double>(kRunSeconds)) {
       CopySignalData(store.get());
+      const double c0 = ThreadCpuSeconds();
+      check.check(store.get(), cycleRows);
+      checking += ThreadCpuSeconds() - c0;
       ++n;
       std::this_thread::sleep_for(kPoll);
     }
-    const double own = ThreadCpuSeconds() - own0, all = ProcessCpuSeconds() - cpu0;
+    const double own = ThreadCpuSeconds() - own0 - checking, all = ProcessCpuSeconds() - cpu0 - checking;
     const double busy = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
     const auto [t1, rows1] = NextTransfer(store.get(), cycleRows);
     const double wall = std::chrono::duration<double>(t1 - t0).count();
@@ -229,6 +259,9 @@ void BM_VirtualModule100kHz(benchmark::State& bench, int32_t cycleRows) {
   bench.counters["cpu_library_pct"] = libraryShare;
   bench.counters["cpu_consumer_pct"] = consumerShare;
   bench.counters["polls_per_s"] = polls;
+  bench.counters["copies_checked"] = static_cast<double>(check.copies);
+  bench.counters["lost_rows"] = static_cast<double>(check.lostRows);
+  bench.counters["disordered_rows"] = static_cast<double>(check.disorderedRows);
 }
 
 // Baseline: the same poll, copying the same rows out of a plain buffer.

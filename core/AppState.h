@@ -40,19 +40,25 @@ struct PerChannel {
 };
 
 // 1,048,576 rows of 32 signed 16-bit codes, row-major (all channels of one
-// instant side by side). Allocated once; the address never changes.
+// instant side by side). The address is fixed for the store's life, but the
+// memory behind it is taken from the system page by page as rows are first
+// written or read: an untouched store costs address space and no memory, so
+// a command that needs only a header, or a recording of a few channels and
+// samples, never holds 64 MiB. Unwritten codes read as 0.
 class SampleStore {
  public:
   static constexpr size_t kRows = kMaxSamples;
   static constexpr size_t kColumns = kMaxChannels;
   static constexpr size_t kElements = kRows * kColumns;
+  static constexpr size_t kBytes = kElements * sizeof(int16_t);
 
-  SampleStore() : codes_(std::make_unique<int16_t[]>(kElements)) {}
+  SampleStore();
+  ~SampleStore();
   SampleStore(const SampleStore&) = delete;
   SampleStore& operator=(const SampleStore&) = delete;
 
-  int16_t* data() { return codes_.get(); }
-  const int16_t* data() const { return codes_.get(); }
+  int16_t* data() { return codes_; }
+  const int16_t* data() const { return codes_; }
   // Sample 1..kRows of channel 1..32.
   int16_t& at(int sample, int channel) {
     return codes_[static_cast<size_t>(sample - 1) * kColumns + static_cast<size_t>(channel - 1)];
@@ -60,13 +66,15 @@ class SampleStore {
   int16_t at(int sample, int channel) const {
     return codes_[static_cast<size_t>(sample - 1) * kColumns + static_cast<size_t>(channel - 1)];
   }
+  // Bytes of the store the system has given memory to so far.
+  size_t residentBytes() const;
   // Counts the times the samples were replaced (a load, a block, a run's
   // cycle, an edit), so that what views keep of them knows when it is old.
   void markWritten() { ++writes_; }
   uint64_t writeCount() const { return writes_; }
 
  private:
-  std::unique_ptr<int16_t[]> codes_;
+  int16_t* codes_;
   uint64_t writes_ = 0;
 };
 

@@ -8,6 +8,12 @@
 
 namespace aqx::engine {
 
+namespace {
+// The filter's passes wait on every sample's result, so two halves pay off
+// on shorter records than a pass bound by reading memory does.
+constexpr size_t kFilterSplitLeast = size_t{1} << 17;
+}  // namespace
+
 LaneCascade MakeLaneCascade(const std::array<Cascade, kLaneCount>& lanes) {
   LaneCascade c;
   for (int lane = 0; lane < kLaneCount; ++lane) {
@@ -164,7 +170,7 @@ void FilterLanesZeroPhase(const LaneCascade& c, const double* record, size_t cou
   // to far below the resolution of the samples.
   const size_t warm = 4 * std::max<size_t>(settleCount, 64);
   const size_t half = count / 2;
-  if (count < 2 * kSplitLeastItems || warm > count / 8) {
+  if (count < kFilterSplitLeast || warm > count / 8) {
     Sections s = settled(Broadcast(record[0]));
     ForwardPass(s, record, count, forward);
     s = settled(StoredAt(forward, count - 1));

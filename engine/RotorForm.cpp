@@ -1,6 +1,8 @@
 // The rotor form: pole by pole EMF of the turn probe per revolution and
 // their average (FormaRotorAccount).
 
+#include "engine/RotorForm.h"
+
 #include "engine/MarkerDetect.h"
 
 #include <algorithm>
@@ -101,77 +103,40 @@ FormSummary Summarise(const FormValues& f) {
   return s;
 }
 
-}  // namespace
-
-extern "C" int32_t FormaRotorAccount(int64_t /*windowHandle*/, const int16_t* SignalData,
-                                     int32_t SignalDataN, const int32_t* Channel,
-                                     const int32_t* Type, int32_t FreqDesc, int32_t* Polus,
-                                     int32_t* FormaRotorN, double* FormaSpeed,
-                                     double* FormaPoleRms, double* FormaPolePercent,
-                                     double* FormaRms, double* FormaDistortion,
-                                     double* FormaPoleMin, double* FormaPoleMax,
-                                     double* FormaGarmonicAmplitude, double* FormaGarmonicPhase,
-                                     double* FormaRotorResult) {
-  auto fail = [&](int32_t code) {
-    if (FormaRotorN) *FormaRotorN = 0;
-    if (FormaRotorResult) *FormaRotorResult = 0.0;
-    return code;
-  };
-  const double* arrays[] = {FormaSpeed,   FormaPoleRms, FormaPolePercent,      FormaRms,
-                            FormaDistortion, FormaPoleMin, FormaPoleMax, FormaGarmonicAmplitude,
-                            FormaGarmonicPhase};
-  const bool arraysPresent = std::all_of(std::begin(arrays), std::end(arrays),
-                                         [](const double* a) { return a != nullptr; });
-  if (SignalData == nullptr || Polus == nullptr || FormaRotorN == nullptr ||
-      FormaRotorResult == nullptr || !arraysPresent || FreqDesc <= 0) {
-    return fail(AQX_FORMA_BAD_ARGUMENTS);
-  }
-  const int32_t turn = FirstChannelOfType(Channel, Type, kTypeTurnProbe);
-  if (turn < 0) return fail(AQX_FORMA_NO_TURN_PROBE);
-  const int32_t marker = FirstChannelOfType(Channel, Type, kTypeMarker);
-  if (marker < 0) return fail(AQX_FORMA_NO_MARKER);
-
-  const int32_t n = ClampSampleCount(SignalDataN);
-  MarkerSettings settings;
-  settings.automatic = true;
-  const MarkerResult found = DetectMarks(SignalData, marker, Stretch{1, n}, settings, kMaxMarks);
-  const std::vector<size_t> kept = SpacedMarks(found);
-  if (kept.size() < 2) return fail(AQX_FORMA_NO_REVOLUTION);
-
+// Whole revolutions between the kept marks, at most kMaxForms.
+std::vector<Revolution> RevolutionsOf(const MarkerResult& found, const std::vector<size_t>& kept,
+                                      double sampleHz) {
   std::vector<Revolution> revolutions;
   for (size_t i = 1; i < kept.size() && static_cast<int32_t>(revolutions.size()) < kMaxForms; ++i) {
     Revolution r;
     r.start = found.marks[kept[i - 1]] - 1;
     r.length = found.marks[kept[i]] - found.marks[kept[i - 1]];
-    r.rpm = 60.0 * FreqDesc / (found.crossings[kept[i]] - found.crossings[kept[i - 1]]);
+    r.rpm = 60.0 * sampleHz / (found.crossings[kept[i]] - found.crossings[kept[i - 1]]);
     revolutions.push_back(r);
   }
+  return revolutions;
+}
 
-  std::vector<double> emf(static_cast<size_t>(n));
-  for (int32_t i = 0; i < n; ++i) emf[static_cast<size_t>(i)] = CodeAt(SignalData, i + 1, turn);
-  // A first guess of the channel's offset, good enough to count half-waves.
+// A first guess of the channel's offset, good enough to count half-waves.
+double MeanOverRevolutions(const std::vector<double>& emf, const std::vector<Revolution>& revolutions) {
   double sum = 0.0;
   int64_t counted = 0;
   for (const Revolution& r : revolutions) {
     for (int32_t j = 0; j < r.length; ++j) sum += emf[static_cast<size_t>(r.start + j)];
     counted += r.length;
   }
-  const double mean = sum / static_cast<double>(counted);
-  std::vector<int32_t> halfWaves;
-  for (const Revolution& r : revolutions) halfWaves.push_back(HalfWaves(emf, r, mean));
-  int32_t poles = *Polus;
-  const int32_t fromEmf = PolesFromEmf(halfWaves);
-  if (fromEmf > 0) poles = fromEmf;
-  if (poles < 2 || poles > kMaxPoles) return fail(AQX_FORMA_BAD_POLES);
-  *Polus = poles;
+  return sum / static_cast<double>(counted);
+}
 
-  // Pole boundaries sit on the zero crossings of the wave of poles/2 periods
-  // per revolution; one offset for the whole record, averaged over it.
+// Pole boundaries sit on the zero crossings of the wave of poles/2 periods
+// per revolution; one offset (part of a pole) for the whole record,
+// averaged over it.
+double PoleOffset(const std::vector<double>& emf, const std::vector<Revolution>& revolutions,
+                  int32_t poles, double mean) {
   const double periods = poles / 2.0;
   std::complex<double> offsetSum = 0.0;
-  for (size_t r = 0; r < revolutions.size(); ++r) {
+  for (const Revolution& rev : revolutions) {
     std::complex<double> c = 0.0;
-    const Revolution& rev = revolutions[r];
     for (int32_t j = 0; j < rev.length; ++j) {
       c += (emf[static_cast<size_t>(rev.start + j)] - mean) *
            std::polar(1.0, -2.0 * kPi * periods * j / rev.length);
@@ -181,8 +146,14 @@ extern "C" int32_t FormaRotorAccount(int64_t /*windowHandle*/, const int16_t* Si
   }
   double offset = std::arg(offsetSum) / (2.0 * kPi);
   if (offset < 0.0) offset += 1.0;
+  return offset;
+}
 
-  // Pole p of a revolution covers [bounds[p], bounds[p+1]) of the record.
+// The single forms: pole p of a revolution covers [bounds[p], bounds[p+1])
+// of the record, and its RMS is taken about the channel's offset.
+std::vector<FormValues> SingleForms(const std::vector<double>& emf, const std::vector<Revolution>& revolutions,
+                                    int32_t poles, double offset, double mean) {
+  const auto n = static_cast<int32_t>(emf.size());
   std::vector<std::vector<int32_t>> bounds(revolutions.size());
   double sectionSum = 0.0;
   int64_t sectionCount = 0;
@@ -219,6 +190,10 @@ extern "C" int32_t FormaRotorAccount(int64_t /*windowHandle*/, const int16_t* Si
     for (double v : f.poleRms) f.rms += v;
     f.rms /= poles;
   }
+  return forms;
+}
+
+FormValues AverageForm(const std::vector<FormValues>& forms, int32_t poles) {
   FormValues average;
   average.poleRms.assign(static_cast<size_t>(poles), 0.0);
   for (const FormValues& f : forms) {
@@ -227,6 +202,113 @@ extern "C" int32_t FormaRotorAccount(int64_t /*windowHandle*/, const int16_t* Si
   }
   for (double v : average.poleRms) average.rms += v;
   average.rms /= poles;
+  return average;
+}
+
+}  // namespace
+
+namespace aqx::engine {
+
+RotorFormResult ComputeRotorForm(std::span<const int16_t> store, const RotorFormRequest& request) {
+  RotorFormResult result;
+  auto fail = [&](int32_t code) {
+    result.status = code;
+    return result;
+  };
+  const int32_t n = ClampSampleCount(request.rows);
+  const bool columnsUsable = request.turnColumn >= 0 && request.turnColumn < kColumns &&
+                             request.markerColumn >= 0 && request.markerColumn < kColumns;
+  if (!columnsUsable || !(request.sampleHz > 0.0) || store.size() < static_cast<size_t>(n) * kColumns) {
+    return fail(AQX_FORMA_BAD_ARGUMENTS);
+  }
+  MarkerSettings settings;
+  settings.automatic = true;
+  const MarkerResult found = DetectMarks(store.data(), request.markerColumn, Stretch{1, n}, settings, kMaxMarks);
+  const std::vector<size_t> kept = SpacedMarks(found);
+  if (kept.size() < 2) return fail(AQX_FORMA_NO_REVOLUTION);
+  const std::vector<Revolution> revolutions = RevolutionsOf(found, kept, request.sampleHz);
+
+  std::vector<double> emf(static_cast<size_t>(n));
+  for (int32_t i = 0; i < n; ++i) emf[static_cast<size_t>(i)] = CodeAt(store.data(), i + 1, request.turnColumn);
+  const double mean = MeanOverRevolutions(emf, revolutions);
+  std::vector<int32_t> halfWaves;
+  for (const Revolution& r : revolutions) halfWaves.push_back(HalfWaves(emf, r, mean));
+  int32_t poles = request.poles;
+  const int32_t fromEmf = PolesFromEmf(halfWaves);
+  if (fromEmf > 0) poles = fromEmf;
+  if (poles < 2 || poles > kMaxPoles) return fail(AQX_FORMA_BAD_POLES);
+  result.poles = poles;
+
+  const std::vector<FormValues> forms =
+      SingleForms(emf, revolutions, poles, PoleOffset(emf, revolutions, poles, mean), mean);
+  const FormValues average = AverageForm(forms, poles);
+  const size_t poleCount = static_cast<size_t>(poles);
+  result.poleMin.assign(poleCount, 0.0);
+  result.poleMax.assign(poleCount, 0.0);
+  double fullScale = 0.0;
+  const int32_t formCount = static_cast<int32_t>(forms.size());
+  for (int32_t f = 0; f <= formCount; ++f) {
+    const FormValues& values = f == 0 ? average : forms[static_cast<size_t>(f - 1)];
+    const FormSummary s = Summarise(values);
+    RotorFormValues& out = result.forms.emplace_back();
+    out.speedRpm = values.speed;
+    out.rms = values.rms;
+    out.distortion = s.distortion;
+    out.poleRms = values.poleRms;
+    out.polePercent = s.percent;
+    for (size_t p = 0; p < poleCount && f > 0; ++p) {
+      const double percent = s.percent[p];
+      result.poleMin[p] = f == 1 ? percent : std::min(result.poleMin[p], percent);
+      result.poleMax[p] = f == 1 ? percent : std::max(result.poleMax[p], percent);
+    }
+    for (int32_t h = 1; h <= kHarmonics; ++h) {
+      const double amplitude = std::abs(s.harmonics[h]);
+      out.harmonicAmplitude[h] = amplitude;
+      out.harmonicPhase[h] = amplitude > 0.0 ? WrapDegrees(std::arg(s.harmonics[h]) * 180.0 / kPi) : 0.0;
+      fullScale = std::max(fullScale, amplitude);
+    }
+  }
+  result.largestHarmonic = fullScale;
+  return result;
+}
+
+}  // namespace aqx::engine
+
+extern "C" int32_t FormaRotorAccount(int64_t /*windowHandle*/, const int16_t* SignalData,
+                                     int32_t SignalDataN, const int32_t* Channel,
+                                     const int32_t* Type, int32_t FreqDesc, int32_t* Polus,
+                                     int32_t* FormaRotorN, double* FormaSpeed,
+                                     double* FormaPoleRms, double* FormaPolePercent,
+                                     double* FormaRms, double* FormaDistortion,
+                                     double* FormaPoleMin, double* FormaPoleMax,
+                                     double* FormaGarmonicAmplitude, double* FormaGarmonicPhase,
+                                     double* FormaRotorResult) {
+  auto fail = [&](int32_t code) {
+    if (FormaRotorN) *FormaRotorN = 0;
+    if (FormaRotorResult) *FormaRotorResult = 0.0;
+    return code;
+  };
+  const double* arrays[] = {FormaSpeed,   FormaPoleRms, FormaPolePercent,      FormaRms,
+                            FormaDistortion, FormaPoleMin, FormaPoleMax, FormaGarmonicAmplitude,
+                            FormaGarmonicPhase};
+  const bool arraysPresent = std::all_of(std::begin(arrays), std::end(arrays),
+                                         [](const double* a) { return a != nullptr; });
+  if (SignalData == nullptr || Polus == nullptr || FormaRotorN == nullptr ||
+      FormaRotorResult == nullptr || !arraysPresent || FreqDesc <= 0) {
+    return fail(AQX_FORMA_BAD_ARGUMENTS);
+  }
+  RotorFormRequest request;
+  request.turnColumn = FirstChannelOfType(Channel, Type, kTypeTurnProbe);
+  if (request.turnColumn < 0) return fail(AQX_FORMA_NO_TURN_PROBE);
+  request.markerColumn = FirstChannelOfType(Channel, Type, kTypeMarker);
+  if (request.markerColumn < 0) return fail(AQX_FORMA_NO_MARKER);
+  request.rows = ClampSampleCount(SignalDataN);
+  request.sampleHz = FreqDesc;
+  request.poles = *Polus;
+  const RotorFormResult r =
+      ComputeRotorForm(std::span(SignalData, static_cast<size_t>(request.rows) * kColumns), request);
+  if (r.status != 0) return fail(r.status);
+  *Polus = r.poles;
 
   std::fill_n(FormaSpeed, AQX_FORMA_FORMS, 0.0);
   std::fill_n(FormaRms, AQX_FORMA_FORMS, 0.0);
@@ -237,32 +319,20 @@ extern "C" int32_t FormaRotorAccount(int64_t /*windowHandle*/, const int16_t* Si
   std::fill_n(FormaPoleMax, AQX_FORMA_POLES, 0.0);
   std::fill_n(FormaGarmonicAmplitude, AQX_FORMA_FORMS * kHarmonicStride, 0.0);
   std::fill_n(FormaGarmonicPhase, AQX_FORMA_FORMS * kHarmonicStride, 0.0);
-
-  double fullScale = 0.0;
-  const int32_t formCount = static_cast<int32_t>(forms.size());
-  for (int32_t f = 0; f <= formCount; ++f) {
-    const FormValues& values = f == 0 ? average : forms[static_cast<size_t>(f - 1)];
-    const FormSummary s = Summarise(values);
-    FormaSpeed[f] = values.speed;
-    FormaRms[f] = values.rms;
-    FormaDistortion[f] = s.distortion;
-    for (int32_t p = 1; p <= poles; ++p) {
-      const double percent = s.percent[static_cast<size_t>(p - 1)];
-      FormaPoleRms[f * kFormStride + p] = values.poleRms[static_cast<size_t>(p - 1)];
-      FormaPolePercent[f * kFormStride + p] = percent;
-      if (f == 0) continue;
-      FormaPoleMin[p] = f == 1 ? percent : std::min(FormaPoleMin[p], percent);
-      FormaPoleMax[p] = f == 1 ? percent : std::max(FormaPoleMax[p], percent);
-    }
-    for (int32_t h = 1; h <= kHarmonics; ++h) {
-      const double amplitude = std::abs(s.harmonics[h]);
-      FormaGarmonicAmplitude[f * kHarmonicStride + h] = amplitude;
-      FormaGarmonicPhase[f * kHarmonicStride + h] =
-          amplitude > 0.0 ? WrapDegrees(std::arg(s.harmonics[h]) * 180.0 / kPi) : 0.0;
-      fullScale = std::max(fullScale, amplitude);
-    }
+  const int32_t formCount = static_cast<int32_t>(r.forms.size());
+  for (int32_t f = 0; f < formCount; ++f) {
+    const RotorFormValues& form = r.forms[static_cast<size_t>(f)];
+    FormaSpeed[f] = form.speedRpm;
+    FormaRms[f] = form.rms;
+    FormaDistortion[f] = form.distortion;
+    std::copy(form.poleRms.begin(), form.poleRms.end(), FormaPoleRms + f * kFormStride + 1);
+    std::copy(form.polePercent.begin(), form.polePercent.end(), FormaPolePercent + f * kFormStride + 1);
+    std::copy(form.harmonicAmplitude.begin() + 1, form.harmonicAmplitude.end(), FormaGarmonicAmplitude + f * kHarmonicStride + 1);
+    std::copy(form.harmonicPhase.begin() + 1, form.harmonicPhase.end(), FormaGarmonicPhase + f * kHarmonicStride + 1);
   }
-  *FormaRotorN = formCount;
-  *FormaRotorResult = fullScale > 0.0 ? fullScale : 1.0;
+  std::copy(r.poleMin.begin(), r.poleMin.end(), FormaPoleMin + 1);
+  std::copy(r.poleMax.begin(), r.poleMax.end(), FormaPoleMax + 1);
+  *FormaRotorN = formCount - 1;
+  *FormaRotorResult = r.largestHarmonic > 0.0 ? r.largestHarmonic : 1.0;
   return 0;
 }

@@ -70,20 +70,22 @@ ColumnStats StatsOfRows(const int16_t* signalData, Stretch rows) {
   return out;
 }
 
-// The same over a long stretch in two halves at once.
+// The same over a long stretch in pieces on two threads.
 ColumnStats StatsOver(const int16_t* signalData, Stretch rows) {
-  // Both start as the result of no rows, in case the stretch goes whole.
-  std::array<ColumnStats, 2> halves;
-  halves.fill(StatsOfRows(signalData, Stretch{}));
-  SplitInTwo(static_cast<size_t>(rows.count()), [&](size_t begin, size_t end) {
+  // Every piece starts as the result of no rows, in case the stretch goes whole.
+  std::array<ColumnStats, kPiecesPerPass> pieces;
+  pieces.fill(StatsOfRows(signalData, Stretch{}));
+  SplitInPieces(static_cast<size_t>(rows.count()), [&](size_t begin, size_t end, size_t piece) {
     const Stretch part{rows.first + static_cast<int32_t>(begin), rows.first + static_cast<int32_t>(end) - 1};
-    halves[begin == 0 ? 0 : 1] = StatsOfRows(signalData, part);
+    pieces[piece] = StatsOfRows(signalData, part);
   });
-  ColumnStats out = halves[0];
-  for (int32_t c = 0; c < kColumns; ++c) {
-    out.least[c] = std::min(out.least[c], halves[1].least[c]);
-    out.greatest[c] = std::max(out.greatest[c], halves[1].greatest[c]);
-    out.sum[c] += halves[1].sum[c];
+  ColumnStats out = pieces[0];
+  for (size_t p = 1; p < pieces.size(); ++p) {
+    for (int32_t c = 0; c < kColumns; ++c) {
+      out.least[c] = std::min(out.least[c], pieces[p].least[c]);
+      out.greatest[c] = std::max(out.greatest[c], pieces[p].greatest[c]);
+      out.sum[c] += pieces[p].sum[c];
+    }
   }
   return out;
 }

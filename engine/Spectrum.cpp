@@ -4,8 +4,7 @@
 // (AccountProbe).
 
 #include "engine/FftPlans.h"
-#include "engine/Parallel.h"
-#include "engine/SpectrumKernel.h"
+#include "engine/SpectrumFull.h"
 #include "engine/SpectrumMath.h"
 
 #include <array>
@@ -24,13 +23,6 @@ double KuValue(float ku) {
   return (std::isfinite(v) && v != 0.0) ? v : 1.0;
 }
 
-double PhaseDegrees(Complex z) {
-  double p = -FastAtan2(z.imag(), z.real()) * (180.0 / kPi);
-  if (p < 0.0) p += 360.0;
-  if (p >= 360.0) p -= 360.0;
-  return p;
-}
-
 // First shaft mark inside the stretch, else its first row: the instant all
 // phases refer to.
 int32_t ReferenceRow(Stretch rows, int32_t markCount, const int32_t* marks) {
@@ -40,77 +32,6 @@ int32_t ReferenceRow(Stretch rows, int32_t markCount, const int32_t* marks) {
     if (marks[i] >= rows.first && marks[i] <= rows.last) return marks[i];
   }
   return rows.first;
-}
-
-// exp(-2*pi*i*k*shift/L), exact for any k.
-Complex RotationAt(int64_t shift, int32_t L, int32_t k) {
-  const int64_t turns = ((static_cast<int64_t>(k) * (shift % L)) % L + L) % L;
-  return std::polar(1.0, -2.0 * kPi * static_cast<double>(turns) / L);
-}
-
-// Hann-windowed, reference-rotated line k of a transformed block (X holds
-// lines 0..L/2 as FFTW leaves them).
-Complex WindowedLine(const Complex* x, int32_t L, int32_t k) {
-  auto value = [&](int32_t j) -> Complex {
-    if (j < 0) return std::conj(x[-j]);
-    if (j > L / 2) return std::conj(x[L - j]);
-    return x[j];
-  };
-  return 0.5 * value(k) - 0.25 * (value(k - 1) + value(k + 1));
-}
-
-// Lines [first, last) for a share [begin, end) of the lines from 1 on.
-std::pair<int32_t, int32_t> LineRange(size_t begin, size_t end) {
-  return {static_cast<int32_t>(begin) + 1, static_cast<int32_t>(end) + 1};
-}
-
-// A long block as its even and its odd samples, read and transformed at
-// once on two threads, then joined by one butterfly a line:
-// X[k] = E[k] + exp(-2*pi*i*k/L) * O[k]. False when no memory or plan.
-bool TransformInHalves(const int16_t* signalData, int32_t column, int32_t firstRow, int32_t L, double* buffer) {
-  const int32_t half = L / 2;
-  const auto halfPlan = PlanFor(FftKind::RealToComplex, half);
-  std::array<WorkBuffer, 2> parts = {WorkBuffer(RealTransformDoubles(half)), WorkBuffer(RealTransformDoubles(half))};
-  if (!halfPlan || parts[0].data() == nullptr || parts[1].data() == nullptr) return false;
-  auto transform = [&](int32_t parity) {
-    const int16_t* src = CodePtr(signalData, firstRow + parity, column);
-    double* out = parts[static_cast<size_t>(parity)].data();
-    for (int32_t i = 0; i < half; ++i) out[i] = src[static_cast<size_t>(i) * 2 * kColumns];
-    halfPlan->execute(out);
-  };
-  RunBoth([&] { transform(0); }, [&] { transform(1); });
-
-  const double* even = parts[0].data();
-  const double* odd = parts[1].data();
-  const size_t quarter = static_cast<size_t>(half) / 2;
-  SplitInTwo(static_cast<size_t>(half) + 1, [&](size_t begin, size_t end) {
-    constexpr size_t kChunk = 1024;
-    std::array<double, 2 * kChunk> twiddle;
-    for (size_t chunk = begin; chunk < end; chunk += kChunk) {
-      const size_t chunkEnd = std::min(end, chunk + kChunk);
-      FillRotation(1, L, static_cast<int32_t>(chunk), static_cast<int32_t>(chunkEnd), twiddle.data());
-      for (size_t k = chunk; k < chunkEnd; ++k) {
-        // Past a quarter the halves' lines mirror: E[k] = conj(E[L/2 - k]).
-        const size_t j = k <= quarter ? k : static_cast<size_t>(half) - k;
-        const double sign = k <= quarter ? 1.0 : -1.0;
-        const double er = even[2 * j], ei = sign * even[2 * j + 1];
-        const double orr = odd[2 * j], oi = sign * odd[2 * j + 1];
-        const double wr = twiddle[2 * (k - chunk)], wi = twiddle[2 * (k - chunk) + 1];
-        buffer[2 * k] = er + wr * orr - wi * oi;
-        buffer[2 * k + 1] = ei + wr * oi + wi * orr;
-      }
-    }
-  });
-  return true;
-}
-
-// Reads L codes of one column from `firstRow` into the buffer and transforms.
-void TransformBlock(const int16_t* signalData, int32_t column, int32_t firstRow, int32_t L,
-                    const FftPlan& plan, double* buffer) {
-  const bool longBlock = L >= 2 * static_cast<int32_t>(kSplitLeastItems) && L % 4 == 0;
-  if (longBlock && TransformInHalves(signalData, column, firstRow, L, buffer)) return;
-  ReadColumn(signalData, firstRow, column, L, buffer);
-  plan.execute(buffer);
 }
 
 }  // namespace
@@ -178,116 +99,36 @@ extern "C" void AccountSpectrFull(double* /*SpectrRe*/, double* /*SpectrIm*/, do
   }
   const int32_t rowCount = std::min(ClampSampleCount(SignalDataN), std::clamp(maxRows, 0, kRows));
   const Stretch rows = AnalysisStretch(SelectFirst, SelectLast, ViewFirst, ViewLast, rowCount);
-  const int32_t n = rows.count();
-  if (n < 2) {
-    empty();
-    return;
-  }
-  const int32_t column = channel - 1;
-  const int32_t L = BlockLength(BlockSizeFFT, n);
-  const int32_t lines = LinesForBlock(L);
-  const bool blocks = L < n;
-  const int32_t hop = blocks ? std::max(L / 2, 1) : L;
-  const int32_t blockCount = blocks ? (n - L) / hop + 1 : 1;
-  const int32_t reference = ReferenceRow(rows, ShaftMarkCount, ShaftMarks);
-  const double units = kMillivoltsPerCode / SafeKu(Ku, column);
-  const double lineScale = 8.0 / L * units;
-  const double zeroScale = 2.0 / L * units;
-
-  const auto plan = PlanFor(FftKind::RealToComplex, L);
-  WorkBuffer work(RealTransformDoubles(L));
-  if (!plan || work.data() == nullptr) {
-    empty();
-    return;
-  }
-  Complex* x = work.complexData();
-  // Lines 1..inner-1 have both neighbours among the lines the transform gives.
-  const int32_t inner = std::max(1, std::min(lines, L / 2));
+  SpectrumRequest request;
+  request.column = channel - 1;
+  request.firstRow = rows.first;
+  request.lastRow = rows.last;
+  request.blockSizeFFT = BlockSizeFFT;
+  request.removeMean = StatusFilterConst != 0;
+  request.unitsPerCode = kMillivoltsPerCode / SafeKu(Ku, request.column);
+  request.referenceRow = ReferenceRow(rows, ShaftMarkCount, ShaftMarks);
+  request.sampleHz = static_cast<double>(std::max(FreqDesc, 1));
+  const auto lines = static_cast<size_t>(SpectrumLineCount(request));
+  // The phase and in-phase part are worked out whether or not they are asked for.
   WorkBuffer phaseScratch;
   WorkBuffer realScratch;
-  if (SpectrPhase == nullptr) phaseScratch = WorkBuffer(static_cast<size_t>(lines));
-  if (SpectrReal == nullptr) realScratch = WorkBuffer(static_cast<size_t>(lines));
+  if (lines > 0 && SpectrPhase == nullptr) phaseScratch = WorkBuffer(lines);
+  if (lines > 0 && SpectrReal == nullptr) realScratch = WorkBuffer(lines);
   double* phase = SpectrPhase ? SpectrPhase : phaseScratch.data();
   double* real = SpectrReal ? SpectrReal : realScratch.data();
-  const bool rotate = blockCount > 1 || (static_cast<int64_t>(rows.first) - reference) % L != 0;
-  WorkBuffer rotation;
-  if (rotate) rotation = WorkBuffer(2 * static_cast<size_t>(inner));
-  if (phase == nullptr || real == nullptr || (rotate && rotation.data() == nullptr)) {
+  if (lines == 0 || phase == nullptr || real == nullptr) {
     empty();
     return;
   }
-  // Line 0 and the one or two lines past L/2 - 1 go the general way.
-  std::vector<int32_t> edgeLines{0};
-  for (int32_t k = inner; k < lines; ++k) edgeLines.push_back(k);
-  auto storeZero = [&](double mean) {
-    SpectrAmplitude[0] = std::fabs(mean);
-    phase[0] = mean < 0.0 ? 180.0 : 0.0;
-    real[0] = mean;
-  };
-
-  if (blockCount == 1) {
-    TransformBlock(SignalData, column, rows.first, L, *plan, work.data());
-    if (StatusFilterConst != 0) x[0] = 0.0;
-    const int64_t shift = static_cast<int64_t>(rows.first) - reference;
-    SplitInTwo(static_cast<size_t>(inner - 1), [&](size_t begin, size_t end) {
-      const auto [first, last] = LineRange(begin, end);
-      double* turn = rotate ? rotation.data() + 2 * static_cast<size_t>(first - 1) : nullptr;
-      if (turn != nullptr) FillRotation(shift, L, first, last, turn);
-      WindowedLines(work.data(), first, last, turn, lineScale, SpectrAmplitude, phase, real);
-    });
-    for (int32_t k : edgeLines) {
-      const Complex z = WindowedLine(x, L, k) * RotationAt(shift, L, k);
-      if (k == 0) {
-        storeZero(z.real() * zeroScale);
-        continue;
-      }
-      SpectrAmplitude[k] = std::sqrt(std::norm(z)) * lineScale;
-      phase[k] = PhaseDegrees(z);
-      real[k] = z.real() * lineScale;
-    }
-  } else {
-    // Amplitudes average as magnitudes (so that what does not repeat keeps
-    // its level); phases come from the average of the rotated lines.
-    WorkBuffer magnitudes(static_cast<size_t>(lines));
-    WorkBuffer sums(2 * static_cast<size_t>(lines));
-    if (magnitudes.data() == nullptr || sums.data() == nullptr) {
-      empty();
-      return;
-    }
-    std::fill_n(magnitudes.data(), lines, 0.0);
-    std::fill_n(sums.data(), 2 * static_cast<size_t>(lines), 0.0);
-    Complex* sum = sums.complexData();
-    for (int32_t b = 0; b < blockCount; ++b) {
-      const int32_t start = rows.first + b * hop;
-      TransformBlock(SignalData, column, start, L, *plan, work.data());
-      if (StatusFilterConst != 0) x[0] = 0.0;
-      const int64_t shift = static_cast<int64_t>(start) - reference;
-      SplitInTwo(static_cast<size_t>(inner - 1), [&](size_t begin, size_t end) {
-        const auto [first, last] = LineRange(begin, end);
-        double* turn = rotation.data() + 2 * static_cast<size_t>(first - 1);
-        FillRotation(shift, L, first, last, turn);
-        AccumulateLines(work.data(), first, last, turn, magnitudes.data(), sums.data());
-      });
-      for (int32_t k : edgeLines) {
-        const Complex z = WindowedLine(x, L, k) * RotationAt(shift, L, k);
-        magnitudes.data()[k] += std::sqrt(std::norm(z));
-        sum[k] += z;
-      }
-    }
-    const double inverseCount = 1.0 / blockCount;
-    storeZero(sum[0].real() * inverseCount * zeroScale);
-    for (int32_t k = 1; k < lines; ++k) {
-      const double amplitude = magnitudes.data()[k] * inverseCount * lineScale;
-      const double length = std::sqrt(std::norm(sum[k]));
-      SpectrAmplitude[k] = amplitude;
-      phase[k] = PhaseDegrees(sum[k]);
-      real[k] = amplitude * (length > 0.0 ? sum[k].real() / length : 1.0);
-    }
+  const std::span<const int16_t> store(SignalData, static_cast<size_t>(rowCount) * kColumns);
+  const auto summary = ComputeSpectrum(store, request, {{SpectrAmplitude, lines}, {phase, lines}, {real, lines}});
+  if (!summary) {
+    empty();
+    return;
   }
-  const double largest = *std::max_element(SpectrAmplitude, SpectrAmplitude + lines);
-  if (StepDesc) *StepDesc = static_cast<double>(std::max(FreqDesc, 1)) / L;
-  if (SpectrLineCount) *SpectrLineCount = lines;
-  if (SpectrMax) *SpectrMax = RoundToInt32(largest);
+  if (StepDesc) *StepDesc = summary->stepHz;
+  if (SpectrLineCount) *SpectrLineCount = summary->lines;
+  if (SpectrMax) *SpectrMax = RoundToInt32(summary->largest);
 }
 
 extern "C" void IntegralSpectr(double* SpectrAmplitude, int32_t SpectrLineCount, double StepDesc,

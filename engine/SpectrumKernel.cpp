@@ -13,19 +13,27 @@ void FillRotation(int64_t shift, int32_t blockLength, int32_t first, int32_t las
   const double stepAngle = -2.0 * kPi * static_cast<double>(m) / L;
   const double stepCos = std::cos(stepAngle);
   const double stepSin = std::sin(stepAngle);
+  auto exactAt = [&](int32_t k, double& c, double& s) {
+    const int64_t turns = (static_cast<int64_t>(k) * m) % L;
+    const double angle = -2.0 * kPi * static_cast<double>(turns) / L;
+    c = std::cos(angle);
+    s = std::sin(angle);
+  };
+  // Exact every 256th line, by recurrence in between, always from the same
+  // exact lines: a line's value does not depend on where a piece of the
+  // lines starts, so the lines come out the same in pieces or whole.
+  constexpr int32_t kExactEvery = 256;
   double c = 1.0;
   double s = 0.0;
-  for (int32_t k = first; k < last; ++k) {
-    // Exact every 256 lines, by recurrence in between.
-    if ((k - first) % 256 == 0) {
-      const int64_t turns = (static_cast<int64_t>(k) * m) % L;
-      const double angle = -2.0 * kPi * static_cast<double>(turns) / L;
-      c = std::cos(angle);
-      s = std::sin(angle);
+  int32_t k = first - first % kExactEvery;
+  exactAt(k, c, s);
+  for (; k < last; ++k) {
+    if (k % kExactEvery == 0) exactAt(k, c, s);
+    if (k >= first) {
+      double* o = out + 2 * static_cast<size_t>(k - first);
+      o[0] = c;
+      o[1] = s;
     }
-    double* o = out + 2 * static_cast<size_t>(k - first);
-    o[0] = c;
-    o[1] = s;
     const double nc = c * stepCos - s * stepSin;
     s = c * stepSin + s * stepCos;
     c = nc;

@@ -28,6 +28,12 @@ inline const QString kDataFileFilter =
 // the first 1,048,576 samples of each channel.
 bool ReadDataFile(AppState& state, Prompts& prompts);
 
+// The same as ReadDataFile for a command that needs the header alone: the
+// same checks (the sample area's size among them) and the same state, but
+// the samples are neither read nor put into the store, which stays as it
+// was.
+bool ReadDataFileHeader(AppState& state, Prompts& prompts);
+
 // Reads only the header of state.PathFileData in layout `minor` into the
 // state, with the rules of every header reader. LoadHeader is the current
 // layout's reader. True when the header was taken over.

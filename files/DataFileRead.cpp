@@ -5,13 +5,13 @@
 #include "core/ChannelPhysics.h"
 #include "files/DataFile.h"
 #include "files/DataFileRules.h"
+#include "files/SampleBlocks.h"
 #include "files/SolidFile.h"
 
 #include <QDir>
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <optional>
 #include <vector>
 
@@ -20,10 +20,6 @@ namespace aqx {
 namespace {
 
 const QString kReadingNotice = QStringLiteral("Подождите, идет чтение файла ...");
-
-// Samples per block of the channel-major to sample-major move: one block of
-// all channels (1 MiB) stays in the cache while it is spread.
-constexpr int kSamplesPerBlock = 16384;
 
 // Shows the reading notice unless a report walks through files; closes it
 // on every way out.
@@ -185,7 +181,7 @@ bool ReadSamples(PlainFile& file, const ParsedDataFile& f, int keep, int16_t* st
   const size_t used = f.usedChannels.size();
   if (used == 0) return true;
   const int64_t areaStart = f.headerBytes - 1;
-  std::vector<int16_t> block(used * kSamplesPerBlock);
+  std::vector<int16_t> block(used * kBlockStride);
   std::vector<size_t> column(used);
   for (size_t k = 0; k < used; ++k) column[k] = static_cast<size_t>(f.usedChannels[k] - 1);
   for (int first = 0; first < keep; first += kSamplesPerBlock) {
@@ -193,7 +189,7 @@ bool ReadSamples(PlainFile& file, const ParsedDataFile& f, int keep, int16_t* st
     for (size_t k = 0; k < used; ++k) {
       const int64_t at =
           areaStart + 2 * (static_cast<int64_t>(k) * f.fileSamplesPerChannel + first);
-      auto* target = reinterpret_cast<char*>(block.data() + k * kSamplesPerBlock);
+      auto* target = reinterpret_cast<char*>(block.data() + k * kBlockStride);
       if (!file.readAt(at, std::span(target, static_cast<size_t>(count) * 2))) {
         Refuse(p, QStringLiteral("Ошибка чтения файла %1: %2.")
                       .arg(QDir::toNativeSeparators(file.path()),
@@ -201,17 +197,7 @@ bool ReadSamples(PlainFile& file, const ParsedDataFile& f, int keep, int16_t* st
         return false;
       }
     }
-    if (!store) continue;
-    if constexpr (std::endian::native == std::endian::big)
-      for (int16_t& v : block) {
-        const auto u = static_cast<uint16_t>(v);
-        v = static_cast<int16_t>(static_cast<uint16_t>((u >> 8) | (u << 8)));
-      }
-    for (int i = 0; i < count; ++i) {
-      int16_t* row = store + static_cast<size_t>(first + i) * SampleStore::kColumns;
-      const int16_t* source = block.data() + i;
-      for (size_t k = 0; k < used; ++k) row[column[k]] = source[k * kSamplesPerBlock];
-    }
+    if (store) SpreadChannels(block.data(), first, count, column, store);
   }
   return true;
 }
@@ -226,7 +212,10 @@ void TellRepaired(const ParsedDataFile& f, Prompts& p) {
 
 }  // namespace
 
-bool ReadDataFile(AppState& s, Prompts& p) {
+namespace {
+
+// ReadDataFile with or without the samples.
+bool ReadDataFileAs(AppState& s, Prompts& p, bool withSamples) {
   ReadingNotice notice(s, p);
   PlainFile file;
   if (!OpenForReading(file, s.PathFileData, p)) return false;
@@ -238,7 +227,7 @@ bool ReadDataFile(AppState& s, Prompts& p) {
   // Every byte of the samples is read once before the store is touched (the
   // second pass then comes from the page cache), so that a read error
   // leaves the previous recording whole without a second 64 MiB store.
-  if (!f.header.SolidMode && !ReadSamples(file, f, keep, nullptr, p)) return false;
+  if (withSamples && !f.header.SolidMode && !ReadSamples(file, f, keep, nullptr, p)) return false;
 
   // The block of a continuous file is read after the header is in; a
   // failure there puts the previous values back.
@@ -246,7 +235,7 @@ bool ReadDataFile(AppState& s, Prompts& p) {
   CommitHeader(f, s);
   if (s.SolidMode) {
     file.close();
-    if (!OpenSolidFileBlocks(s, static_cast<int>(f.headerBytes), p)) {
+    if (!OpenSolidFileBlocks(s, static_cast<int>(f.headerBytes), p, withSamples)) {
       static_cast<StateValues&>(s) = previous;
       return false;
     }
@@ -255,14 +244,14 @@ bool ReadDataFile(AppState& s, Prompts& p) {
     s.ViewFirst = 1;
     s.ViewLast = s.SignalDataN;
     ApplyBlockRule(s);
-    if (!ReadSamples(file, f, keep, s.SignalData.data(), p)) {
+    if (withSamples && !ReadSamples(file, f, keep, s.SignalData.data(), p)) {
       static_cast<StateValues&>(s) = previous;
       return false;
     }
   }
   TellRepaired(f, p);
-  if (s.ReminderConvertFile && (f.header.FileVersionMajor != AQX_VERSION_MAJOR ||
-                                f.header.FileVersionMinor != AQX_VERSION_MINOR)) {
+  if (s.ReminderConvertFile &&
+      (f.header.FileVersionMajor != AQX_VERSION_MAJOR || f.header.FileVersionMinor != AQX_VERSION_MINOR)) {
     p.message(QStringLiteral("Файл версии %1.%2 успешно конвертирован до текущей версии %3.%4")
                   .arg(f.header.FileVersionMajor)
                   .arg(f.header.FileVersionMinor)
@@ -272,6 +261,12 @@ bool ReadDataFile(AppState& s, Prompts& p) {
   }
   return true;
 }
+
+}  // namespace
+
+bool ReadDataFile(AppState& s, Prompts& p) { return ReadDataFileAs(s, p, true); }
+
+bool ReadDataFileHeader(AppState& s, Prompts& p) { return ReadDataFileAs(s, p, false); }
 
 bool LoadHeaderOfLayout(AppState& s, int minor, Prompts& p) {
   PlainFile file;

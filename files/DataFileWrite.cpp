@@ -1,19 +1,17 @@
 // Writing the recording in the current layout, and the command "save".
 #include "files/DataFile.h"
 #include "files/DataFileRules.h"
+#include "files/SampleBlocks.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
-#include <bit>
 #include <vector>
 
 namespace aqx {
 
 namespace {
-
-constexpr int kSamplesPerBlock = 16384;
 
 std::vector<int> UsedChannels(const AppState& s) {
   std::vector<int> used;
@@ -41,25 +39,15 @@ bool WriteSamples(PlainFile& file, const AppState& s, const std::vector<int>& us
                   int samplesPerChannel, int64_t areaStart) {
   const size_t used = usedChannels.size();
   if (used == 0 || samplesPerChannel == 0) return true;
-  std::vector<int16_t> block(used * kSamplesPerBlock);
+  std::vector<int16_t> block(used * kBlockStride);
   std::vector<size_t> column(used);
   for (size_t k = 0; k < used; ++k) column[k] = static_cast<size_t>(usedChannels[k] - 1);
-  const int16_t* store = s.SignalData.data();
   for (int first = 0; first < samplesPerChannel; first += kSamplesPerBlock) {
     const int count = std::min(kSamplesPerBlock, samplesPerChannel - first);
-    for (int i = 0; i < count; ++i) {
-      const int16_t* row = store + static_cast<size_t>(first + i) * SampleStore::kColumns;
-      int16_t* target = block.data() + i;
-      for (size_t k = 0; k < used; ++k) target[k * kSamplesPerBlock] = row[column[k]];
-    }
-    if constexpr (std::endian::native == std::endian::big)
-      for (int16_t& v : block) {
-        const auto u = static_cast<uint16_t>(v);
-        v = static_cast<int16_t>(static_cast<uint16_t>((u >> 8) | (u << 8)));
-      }
+    GatherChannels(s.SignalData.data(), first, count, column, block.data());
     for (size_t k = 0; k < used; ++k) {
       const int64_t at = areaStart + 2 * (static_cast<int64_t>(k) * samplesPerChannel + first);
-      const auto* source = reinterpret_cast<const char*>(block.data() + k * kSamplesPerBlock);
+      const auto* source = reinterpret_cast<const char*>(block.data() + k * kBlockStride);
       if (!file.writeAt(at, std::span(source, static_cast<size_t>(count) * 2))) return false;
     }
   }

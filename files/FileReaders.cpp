@@ -15,4 +15,11 @@ FileReaderTable StandardFileReaders() {
   };
 }
 
+FileReaderTable HeaderFileReaders() {
+  FileReaderTable table = StandardFileReaders();
+  for (FileReader& r : table)
+    if (r.read == ReadDataFile) r.read = ReadDataFileHeader;
+  return table;
+}
+
 }  // namespace aqx

@@ -7,5 +7,8 @@
 namespace aqx {
 
 FileReaderTable StandardFileReaders();
+// The same for a command that prints the header alone: a data file's
+// samples are then not read (ReadDataFileHeader).
+FileReaderTable HeaderFileReaders();
 
 }  // namespace aqx

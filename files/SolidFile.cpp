@@ -58,7 +58,7 @@ int32_t MinimalBlockScale(int32_t solidBlockCount) {
   return static_cast<int32_t>(NextPowerAbove(solidBlockCount));
 }
 
-bool OpenSolidFileBlocks(AppState& s, int headerBytes, Prompts& p) {
+bool OpenSolidFileBlocks(AppState& s, int headerBytes, Prompts& p, bool readBlock) {
   const int64_t fileBytes = QFileInfo(s.PathFileData).size();
   const SolidSizing sizing = SizeSolidFile(SamplesPerChannel(s, fileBytes, headerBytes));
   s.SolidDataStart = headerBytes;
@@ -71,7 +71,7 @@ bool OpenSolidFileBlocks(AppState& s, int headerBytes, Prompts& p) {
   s.SelectFirst = 0;
   s.SelectLast = 0;
   ApplyBlockRule(s);
-  if (s.ChannelUsedCount <= 0) return true;
+  if (s.ChannelUsedCount <= 0 || !readBlock) return true;
   // The block is read aside: a read that fails half-way must not leave the
   // previous recording's samples half overwritten.
   const auto rows = static_cast<size_t>(std::clamp(s.SignalDataN, 0, kMaxSamples));

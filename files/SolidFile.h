@@ -28,11 +28,11 @@ int32_t MinimalBlockScale(int32_t solidBlockCount);
 
 // Called by the data file reader once the header of a continuous recording
 // is in the state: works out the blocks of state.PathFileData, whose rows
-// follow its first headerBytes bytes, and reads the first block. The header
-// size becomes SolidDataStart, the data offset every later block read uses.
-// True when the block is in SignalData; a failure is told through the
-// engine's failure reporter.
-bool OpenSolidFileBlocks(AppState& s, int headerBytes, Prompts& p);
+// follow its first headerBytes bytes, and reads the first block (unless
+// readBlock is false). The header size becomes SolidDataStart, the data
+// offset every later block read uses. True when the block is in SignalData;
+// a failure is told through the engine's failure reporter.
+bool OpenSolidFileBlocks(AppState& s, int headerBytes, Prompts& p, bool readBlock = true);
 
 // Reads block SolidBlockN at scale SolidBlockM, with the notice
 // "Подождите, идет чтение данных ..." while it reads and the sampling

@@ -7,7 +7,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <array>
@@ -115,17 +114,6 @@ int StoreLengthFor(size_t frames) {
   return static_cast<int>(std::bit_floor(frames) * 2);
 }
 
-bool SaveBytes(const QString& path, const QByteArray& bytes, Prompts& prompts, const QString& title) {
-  // QSaveFile writes next to the target and renames on commit, so a failed
-  // export never leaves half a file under the chosen name.
-  QSaveFile file(path);
-  if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
-    return true;
-  prompts.message(QStringLiteral("Не удалось записать файл %1.").arg(QDir::toNativeSeparators(path)),
-                  title, PromptButtons::Ok, PromptIcon::Critical);
-  return false;
-}
-
 // Row k of the store takes file frame round((k - 1) * P / rows), the nearest
 // one. The index can pass 2^31 for a 4 GB file, so it is rounded in 64 bits
 // (nearbyint rounds half to even in the default mode). Frames close together
@@ -167,10 +155,9 @@ bool StageFrames(PlainFile& file, const WaveContents& w, int rows, int used, std
 
 }  // namespace
 
-QByteArray BuildWaveBytes(const AppState& state, std::span<const int> channels, int sampleCount,
-                          int samplesPerSecond) {
-  const uint32_t count = static_cast<uint32_t>(channels.size());
-  const uint32_t frames = static_cast<uint32_t>(std::clamp(sampleCount, 0, kMaxSamples));
+std::array<char, kWaveHeaderBytes> WaveHeaderBytes(size_t channelCount, int sampleCount, int samplesPerSecond) {
+  const auto count = static_cast<uint32_t>(channelCount);
+  const auto frames = static_cast<uint32_t>(std::clamp(sampleCount, 0, kMaxSamples));
   const uint32_t dataBytes = count * frames * 2;
   WaveHeader h;
   h.riffTag = "RIFF";
@@ -186,18 +173,49 @@ QByteArray BuildWaveBytes(const AppState& state, std::span<const int> channels, 
   h.bitsPerSample = 16;
   h.dataTag = "data";
   h.dataBytes = dataBytes;
-
-  QByteArray bytes(static_cast<qsizetype>(kWaveHeaderBytes + dataBytes), '\0');
-  WriteLayout(WaveHeaderLayout(), h, std::span<char>(bytes.data(), kWaveHeaderBytes));
-  char* out = bytes.data() + kWaveHeaderBytes;
-  for (uint32_t row = 1; row <= frames; ++row)
-    for (int c : channels) {
-      const auto code = static_cast<uint16_t>(state.SignalData.at(static_cast<int>(row), c));
-      *out++ = static_cast<char>(code & 0xFF);
-      *out++ = static_cast<char>(code >> 8);
-    }
+  std::array<char, kWaveHeaderBytes> bytes{};
+  WriteLayout(WaveHeaderLayout(), h, std::span<char>(bytes));
   return bytes;
 }
+
+namespace {
+
+// The frames go out a piece at a time through a temporary that replaces the
+// target only once complete and synced: the export never holds a second copy
+// of the recording, and a failed one never leaves half a file under the name.
+bool WriteWaveFrames(const AppState& state, std::span<const int> channels, int samplesPerSecond,
+                     const QString& path, Prompts& prompts, const QString& title) {
+  const int frames = std::clamp(state.SignalDataN, 0, kMaxSamples);
+  const std::array<char, kWaveHeaderBytes> header = WaveHeaderBytes(channels.size(), frames, samplesPerSecond);
+  const size_t frameBytes = 2 * channels.size();
+  const int framesPerPiece = static_cast<int>(std::max<size_t>(1, kPieceBytes / frameBytes));
+  std::vector<char> piece(static_cast<size_t>(framesPerPiece) * frameBytes);
+  PlainFile file;
+  bool ok = file.createReplacementFor(path) &&
+            file.reserve(static_cast<int64_t>(kWaveHeaderBytes + frameBytes * static_cast<size_t>(frames))) &&
+            file.writeAt(0, header);
+  int64_t at = kWaveHeaderBytes;
+  for (int first = 1; ok && first <= frames; first += framesPerPiece) {
+    const int last = std::min(frames, first + framesPerPiece - 1);
+    char* out = piece.data();
+    for (int row = first; row <= last; ++row)
+      for (int c : channels) {
+        const auto code = static_cast<uint16_t>(state.SignalData.at(row, c));
+        *out++ = static_cast<char>(code & 0xFF);
+        *out++ = static_cast<char>(code >> 8);
+      }
+    const auto bytes = static_cast<size_t>(out - piece.data());
+    ok = file.writeAt(at, std::span<const char>(piece.data(), bytes));
+    at += static_cast<int64_t>(bytes);
+  }
+  if (ok && file.commit()) return true;
+  prompts.message(QStringLiteral("Не удалось записать файл %1: %2.")
+                      .arg(QDir::toNativeSeparators(path), ReasonOfError(file.lastError(), true)),
+                  title, PromptButtons::Ok, PromptIcon::Critical);
+  return false;
+}
+
+}  // namespace
 
 bool WriteWaveFile(const AppState& state, const QString& path, Prompts& prompts, const QString& title) {
   std::vector<int> channels;
@@ -208,15 +226,13 @@ bool WriteWaveFile(const AppState& state, const QString& path, Prompts& prompts,
                     PromptButtons::Ok, PromptIcon::Exclamation);
     return false;
   }
-  return SaveBytes(path, BuildWaveBytes(state, channels, state.SignalDataN, state.FreqDesc), prompts,
-                   title);
+  return WriteWaveFrames(state, channels, state.FreqDesc, path, prompts, title);
 }
 
 bool WriteWaveChannel(const AppState& state, int channel, const QString& path,
                       int samplesPerSecond, Prompts& prompts, const QString& title) {
   const int one[] = {std::clamp(channel, 1, kMaxChannels)};
-  return SaveBytes(path, BuildWaveBytes(state, one, state.SignalDataN, samplesPerSecond), prompts,
-                   title);
+  return WriteWaveFrames(state, one, samplesPerSecond, path, prompts, title);
 }
 
 bool ParseWave(const WaveSource& source, WaveContents& contents, QString& refusal) {

@@ -9,6 +9,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <span>
@@ -17,11 +18,10 @@ namespace aqx {
 
 inline constexpr size_t kWaveHeaderBytes = 44;
 
-// The whole file for `sampleCount` frames of the given channels (1..32, in
-// the order given), each sample the 16-bit code unchanged, at
-// `samplesPerSecond`.
-QByteArray BuildWaveBytes(const AppState& state, std::span<const int> channels, int sampleCount,
-                          int samplesPerSecond);
+// The 44-byte header of a 16-bit PCM file of `sampleCount` frames (held to
+// 0..1,048,576) of that many channels at `samplesPerSecond`; each frame that
+// follows holds the channels' codes unchanged, little-endian.
+std::array<char, kWaveHeaderBytes> WaveHeaderBytes(size_t channelCount, int sampleCount, int samplesPerSecond);
 
 // All channels with Channel = 1 (up to ChannelCount), SignalDataN frames at
 // FreqDesc, to `path` through a temporary file. Failures are told under

@@ -1,7 +1,8 @@
 // aquilonix-tool info FILE [--json]: reads a recording as opening it in the
-// program would (fresh default state, the reader of its ending) and prints
-// its header and channel table; with --json one JSON object whose keys are
-// the state's names.
+// program would (fresh default state, the reader of its ending; a data
+// file's samples are not read, only the size of their area checked) and
+// prints its header and channel table; with --json one JSON object whose
+// keys are the state's names.
 
 #include "files/FileReaders.h"
 #include "files/SolidFile.h"
@@ -286,7 +287,7 @@ int RunInfo(ToolContext& ctx) {
     Print(stderr, QStringLiteral("usage: aquilonix-tool info FILE [--json]\n"));
     return kExitRefused;
   }
-  const FileReadFn read = FindFileReader(StandardFileReaders(), paths[0]);
+  const FileReadFn read = FindFileReader(HeaderFileReaders(), paths[0]);
   if (!read) {
     Print(stderr, QStringLiteral("info: '%1' is not a file type the program reads\n").arg(paths[0]));
     return kExitRefused;

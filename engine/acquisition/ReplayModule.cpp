@@ -87,9 +87,7 @@ bool OpenReplaySource(const std::string& path, ReplaySource& s) {
 }
 
 ReplayModule::ReplayModule(const ModuleSettings& settings, VirtualLines& lines)
-    : settings_(settings), lines_(lines) {
-  parameters_.table.push_back({});
-}
+    : SimulatedModule(settings, lines) {}
 
 ReplayModule::~ReplayModule() { release(); }
 
@@ -101,25 +99,10 @@ bool ReplayModule::release() {
   return true;
 }
 
-bool ReplayModule::readName(std::string& name) {
-  name = settings_.moduleName;
-  return true;
-}
-
-bool ReplayModule::readUsbSpeed(int& highSpeed) {
-  highSpeed = 0;
-  return true;
-}
-
 bool ReplayModule::readDescription(ModuleDescription& d) {
   d.name = settings_.moduleName;
   d.serialNumber = "REPLAY";
   d.biosVersion = "3.05";
-  return true;
-}
-
-bool ReplayModule::readParameters(AdcParameters& parameters) {
-  parameters = parameters_;
   return true;
 }
 
@@ -134,32 +117,8 @@ bool ReplayModule::writeParameters(AdcParameters& p) {
 }
 
 bool ReplayModule::start() {
-  std::lock_guard lock(mutex_);
-  running_ = true;
-  cancelled_ = false;
-  startTime_ = Clock::now();
-  rowsDelivered_ = 0;
+  beginRun();
   return true;
-}
-
-bool ReplayModule::stop() {
-  std::lock_guard lock(mutex_);
-  running_ = false;
-  wake_.notify_all();
-  return true;
-}
-
-bool ReplayModule::cancelRequests() {
-  std::lock_guard lock(mutex_);
-  cancelled_ = true;
-  wake_.notify_all();
-  return true;
-}
-
-bool ReplayModule::waitUntil(Clock::time_point deadline) {
-  std::unique_lock lock(mutex_);
-  wake_.wait_until(lock, deadline, [&] { return !running_ || cancelled_; });
-  return running_ && !cancelled_;
 }
 
 bool ReplayModule::fileRows(int64_t first, int count, std::vector<int16_t>& out) {
@@ -192,9 +151,7 @@ bool ReplayModule::readRows(int16_t* codes, int rows) {
   const size_t width = parameters_.table.size();
   const double rowRate = TotalRateFor(parameters_.clockDivider) / static_cast<double>(width);
   const double ready = static_cast<double>(rowsDelivered_ + rows) / rowRate;
-  if (!waitUntil(startTime_ + std::chrono::duration_cast<Clock::duration>(
-                                  std::chrono::duration<double>(ready))))
-    return false;
+  if (!waitUntil(realTime(ready))) return false;
   if (!fileRows(rowsDelivered_, rows, fileBuffer_)) return false;
   const size_t cols = static_cast<size_t>(source_.columns);
   for (int r = 0; r < rows; ++r)
@@ -204,24 +161,6 @@ bool ReplayModule::readRows(int16_t* codes, int rows) {
           k < 0 ? int16_t{0} : fileBuffer_[static_cast<size_t>(r) * cols + static_cast<size_t>(k)];
     }
   rowsDelivered_ += rows;
-  return true;
-}
-
-bool ReplayModule::enableTtlOut(bool enable) {
-  std::lock_guard lock(lines_.mutex);
-  lines_.outputsEnabled = enable;
-  return true;
-}
-
-bool ReplayModule::ttlIn(uint16_t& state) {
-  std::lock_guard lock(lines_.mutex);
-  state = lines_.outputsEnabled ? lines_.outputs : settings_.ttlIn;
-  return true;
-}
-
-bool ReplayModule::ttlOut(uint16_t state) {
-  std::lock_guard lock(lines_.mutex);
-  lines_.outputs = state;
   return true;
 }
 

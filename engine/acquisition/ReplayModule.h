@@ -3,14 +3,9 @@
 // module: the channels of the channel table that the file holds carry its
 // codes, the others zeros, at the file's sampling rate, over and over.
 
-#include "engine/acquisition/AcquisitionModule.h"
-#include "engine/acquisition/ModuleSettings.h"
-#include "engine/acquisition/VirtualModule.h"
+#include "engine/acquisition/SimulatedModule.h"
 
 #include <array>
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <vector>
 
 namespace aqx::acq {
@@ -27,47 +22,25 @@ struct ReplaySource {
   int fd = -1;                        // a solid file, read as it plays
 };
 
-class ReplayModule : public AcquisitionModule {
+class ReplayModule : public SimulatedModule {
  public:
   ReplayModule(const ModuleSettings& settings, VirtualLines& lines);
   ~ReplayModule() override;
   ReplayModule(const ReplayModule&) = delete;
   ReplayModule& operator=(const ReplayModule&) = delete;
 
-  bool checkDriverVersion() override { return true; }
-  bool createInterface() override { return true; }
   bool openDevice() override;
-  bool readDeviceHandle() override { return true; }
-  bool readName(std::string& name) override;
-  bool readUsbSpeed(int& highSpeed) override;
   bool readDescription(ModuleDescription& description) override;
-  bool readParameters(AdcParameters& parameters) override;
   bool writeParameters(AdcParameters& parameters) override;
   bool start() override;
   bool readRows(int16_t* codes, int rows) override;
-  bool stop() override;
-  bool cancelRequests() override;
   bool release() override;
-  bool enableTtlOut(bool enable) override;
-  bool ttlIn(uint16_t& state) override;
-  bool ttlOut(uint16_t state) override;
   std::string backendText() const override;
 
  private:
-  using Clock = std::chrono::steady_clock;
-  bool waitUntil(Clock::time_point deadline);
   bool fileRows(int64_t first, int count, std::vector<int16_t>& out);
 
-  ModuleSettings settings_;
-  VirtualLines& lines_;
   ReplaySource source_;
-  AdcParameters parameters_;
-  std::mutex mutex_;
-  std::condition_variable wake_;
-  bool running_ = false;
-  bool cancelled_ = false;
-  Clock::time_point startTime_{};
-  int64_t rowsDelivered_ = 0;
   std::vector<int16_t> fileBuffer_;
 };
 

@@ -13,19 +13,7 @@ constexpr double kEdgeDelaySeconds = 1e-7;
 }
 
 VirtualModule::VirtualModule(const ModuleSettings& settings, VirtualLines& lines)
-    : settings_(settings), model_(settings), lines_(lines) {
-  parameters_.table.push_back({});
-}
-
-bool VirtualModule::readName(std::string& name) {
-  name = settings_.moduleName;
-  return true;
-}
-
-bool VirtualModule::readUsbSpeed(int& highSpeed) {
-  highSpeed = 0;  // the E14-140 is a full-speed device
-  return true;
-}
+    : SimulatedModule(settings, lines), model_(settings) {}
 
 bool VirtualModule::readDescription(ModuleDescription& d) {
   d.name = settings_.moduleName;
@@ -37,11 +25,6 @@ bool VirtualModule::readDescription(ModuleDescription& d) {
     d.offsetCodes[r] = 0.0;
     d.scale[r] = 1.0;
   }
-  return true;
-}
-
-bool VirtualModule::readParameters(AdcParameters& parameters) {
-  parameters = parameters_;
   return true;
 }
 
@@ -59,41 +42,10 @@ bool VirtualModule::writeParameters(AdcParameters& p) {
 }
 
 bool VirtualModule::start() {
-  {
-    std::lock_guard lock(mutex_);
-    running_ = true;
-    cancelled_ = false;
-    startTime_ = Clock::now();
-  }
-  rowsDelivered_ = 0;
+  beginRun();
   triggerSeconds_ = parameters_.inputMode == kInputNoSync ? 0.0 : -1.0;
   scanRow_ = 0;
   return true;
-}
-
-bool VirtualModule::stop() {
-  std::lock_guard lock(mutex_);
-  running_ = false;
-  wake_.notify_all();
-  return true;
-}
-
-bool VirtualModule::cancelRequests() {
-  std::lock_guard lock(mutex_);
-  cancelled_ = true;
-  wake_.notify_all();
-  return true;
-}
-
-VirtualModule::Clock::time_point VirtualModule::realTime(double moduleSeconds) const {
-  return startTime_ + std::chrono::duration_cast<Clock::duration>(
-                          std::chrono::duration<double>(moduleSeconds));
-}
-
-bool VirtualModule::waitUntil(Clock::time_point deadline) {
-  std::unique_lock lock(mutex_);
-  wake_.wait_until(lock, deadline, [&] { return !running_ || cancelled_; });
-  return running_ && !cancelled_;
 }
 
 bool VirtualModule::analogConditionMet(int16_t previous, int16_t current) const {
@@ -141,10 +93,7 @@ bool VirtualModule::waitForTrigger() {
 
 bool VirtualModule::readRows(int16_t* codes, int rows) {
   if (rows <= 0) return true;
-  {
-    std::lock_guard lock(mutex_);
-    if (!running_ || cancelled_) return false;
-  }
+  if (!runningNow()) return false;
   const size_t width = parameters_.table.size();
   const double totalRate = TotalRateFor(parameters_.clockDivider);
   const double rowRate = totalRate / static_cast<double>(width);
@@ -172,25 +121,6 @@ bool VirtualModule::readRows(int16_t* codes, int rows) {
     }
   }
   rowsDelivered_ += rows;
-  return true;
-}
-
-bool VirtualModule::enableTtlOut(bool enable) {
-  std::lock_guard lock(lines_.mutex);
-  lines_.outputsEnabled = enable;
-  return true;
-}
-
-bool VirtualModule::ttlIn(uint16_t& state) {
-  // A loop-back plug: with the outputs driven, the inputs read them.
-  std::lock_guard lock(lines_.mutex);
-  state = lines_.outputsEnabled ? lines_.outputs : settings_.ttlIn;
-  return true;
-}
-
-bool VirtualModule::ttlOut(uint16_t state) {
-  std::lock_guard lock(lines_.mutex);
-  lines_.outputs = state;
   return true;
 }
 

@@ -129,6 +129,34 @@ TEST_F(DataFileTest, WrittenFileReadsBackAndWritesAgainByteForByte) {
     for (int i : {1, 2, 16384, 16385, kSamples}) ASSERT_EQ(b.SignalData.at(i, c), TestCode(i, c)) << c << ' ' << i;
 }
 
+TEST_F(DataFileTest, HeaderReadGivesTheStateOfAFullReadAndLeavesTheStoreUntouched) {
+  constexpr int kSamples = 40000;
+  ScriptedPrompts p;
+  AppState a;
+  FillRecording(a, kSamples);
+  ASSERT_TRUE(Write(a, path("a.aqx"), p));
+
+  AppState full;
+  ASSERT_TRUE(Read(full, path("a.aqx"), p));
+  AppState header;
+  EXPECT_EQ(header.SignalData.residentBytes(), 0u);  // a fresh store holds no memory
+  header.PathFileData = path("a.aqx");
+  ASSERT_TRUE(ReadDataFileHeader(header, p));
+  EXPECT_EQ(header.SignalData.residentBytes(), 0u);
+  EXPECT_EQ(BuildFileHeaderBytes(header), BuildFileHeaderBytes(full));
+  EXPECT_EQ(header.SignalDataN, kSamples);
+  EXPECT_EQ(header.ViewLast, kSamples);
+  EXPECT_EQ(header.ChannelUsedCount, 30);
+  EXPECT_DOUBLE_EQ(header.StepDesc, full.StepDesc);
+
+  // A sample area shorter than the header says is refused all the same.
+  QFile file(path("a.aqx"));
+  ASSERT_TRUE(file.resize(file.size() - 2));
+  AppState cut;
+  cut.PathFileData = path("a.aqx");
+  EXPECT_FALSE(ReadDataFileHeader(cut, p));
+}
+
 TEST_F(DataFileTest, WrittenHeaderLiesAtTheDocumentedOffsets) {
   ScriptedPrompts p;
   AppState s;
