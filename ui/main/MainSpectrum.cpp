@@ -94,8 +94,12 @@ void MainWindow::mnuSetupFiltr() {
 }
 
 void MainWindow::mnuSetupSpectrumAnalyser() {
-  SpectrumAnalyserDialog dialog(MakeContext(s_, store_, prompts_, *this), this);
-  dialog.exec();
+  // Modal to the frame, but the command returns at once (the refresh runs
+  // from the dialog's Apply).
+  auto* dialog = new SpectrumAnalyserDialog(MakeContext(s_, store_, prompts_, *this), this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->setModal(true);
+  dialog->show();
 }
 
 void MainWindow::mnuServiceEvaluation() {

@@ -68,14 +68,16 @@ void DrawPart(const AppState& s, const CascadeViewState& v, const CascadeBox& bo
   const auto [ox, oy] = PlaneOrigin(box, v.H, part, v.CascadeN);
   const int left = RoundHalfEven(ox);
   const int bottom = RoundHalfEven(oy);
-  // What lies behind this plane is hidden by its ground.
-  list.add(Rect{left, bottom - box.BoxH, left + box.BoxW + 1, bottom + 1, MakePen(ViewBackground(s)), true,
-                ViewBackground(s)});
   const std::vector<float>& columns = v.parts[static_cast<size_t>(part)];
   const int c = ChannelOf(s);
   const Pen pen = MakePen(s.channels.ChannelColor[c], s.channels.ChannelLineWidthSpectr[c]);
   const auto yOf = [&](float a) { return bottom - std::min(box.BoxH, RoundHalfEven(a / v.UnitsPerPixel)); };
   const int count = std::min(static_cast<int>(columns.size()), box.BoxW);
+  // What lies behind this plane, up to its highest line, is hidden by its
+  // ground; the empty upper part of a plane need not be filled.
+  const float highest = columns.empty() ? 0.0f : *std::max_element(columns.begin(), columns.begin() + count);
+  list.add(Rect{left, yOf(std::max(highest, 0.0f)), left + box.BoxW + 1, bottom + 1, MakePen(ViewBackground(s)), true,
+                ViewBackground(s)});
   if (s.options.spectrum.SpectrumViewType == 0) {
     for (int x = 0; x < count; ++x)
       if (columns[static_cast<size_t>(x)] >= 0.0f) list.add(Line{left + x, bottom, left + x, yOf(columns[static_cast<size_t>(x)]), pen});
