@@ -3,6 +3,7 @@
 #include "core/ChannelPhysics.h"
 
 #include "core/Numeric.h"
+#include "core/SpectrumSetup.h"
 #include "core/Vocabulary.h"
 
 #include <sys/mman.h>
@@ -111,14 +112,9 @@ double ChannelRateHz(const AppState& s) {
 }
 
 void ApplyBlockRule(AppState& s) {
-  const int n = s.SignalDataN;
-  if (s.BlockSizeFFT == 0 || n <= 0) return;
-  if (s.BlockSizeFFT < n) {
-    s.StepDesc = ChannelRateHz(s) / s.BlockSizeFFT;
-    s.SpectrLineCount = RoundHalfEven(s.BlockSizeFFT / 2.0);
-  } else {
-    s.StepDesc = ChannelRateHz(s) / n;
-    s.SpectrLineCount = RoundHalfEven(n / 2.0);
+  if (const auto step = StepAndLines(s.BlockSizeFFT, s.SignalDataN, ChannelRateHz(s))) {
+    s.StepDesc = step->StepDesc;
+    s.SpectrLineCount = step->SpectrLineCount;
   }
 }
 

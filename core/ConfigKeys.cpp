@@ -51,6 +51,9 @@ const SettingKey kScalarKeys[] = {
     {kSectionConfig, "StartUpPicture", "1", [](AppState& s) -> F { return &s.options.config.StartUpPicture; }},
     {kSectionConfig, "ProbeType", "0", [](AppState& s) -> F { return &s.options.config.ProbeType; }},
     {kSectionConfig, "FilterType", "0", [](AppState& s) -> F { return &s.options.config.FilterType; }},
+    {kSectionConfig, "SmoothingWindow", "1", [](AppState& s) -> F { return &s.options.config.SmoothingWindow; }, {}, 0, 8},
+    {kSectionConfig, "AlphaParametr", "0", [](AppState& s) -> F { return &s.options.config.AlphaParametr; }},
+    {kSectionConfig, "Overlapping", "50", [](AppState& s) -> F { return &s.options.config.Overlapping; }, {}, 0, 99},
     // Signal view: the ticks of its menu in their order, then the rest.
     {kSectionSignal, "ScaleX", "1", [](AppState& s) -> F { return &s.options.signal.ScaleX; }, {"Шкала времени", "mnuSignalScaleX", 0}},
     {kSectionSignal, "ScaleY", "1", [](AppState& s) -> F { return &s.options.signal.ScaleY; }, {"Шкала уровня", "mnuSignalScaleY", 0}},
@@ -64,17 +67,18 @@ const SettingKey kScalarKeys[] = {
     {kSectionSignal, "StatusBar", "1", [](AppState& s) -> F { return &s.options.signal.StatusBar; }, {"Информационная строка", "mnuSignalStatusBar", 1}},
     {kSectionSignal, "Cursor", "-1", [](AppState& s) -> F { return &s.options.signal.Cursor; }},
     {kSectionSignal, "SignalViewColorProperty", "1", [](AppState& s) -> F { return &s.options.signal.SignalViewColorProperty; }},
-    // Spectrum view.
-    {kSectionSpectr, "StatusBarParameter", "1", [](AppState& s) -> F { return &s.options.spectr.StatusBarParameter; }},
-    {kSectionSpectr, "StatusBar", "1", [](AppState& s) -> F { return &s.options.spectr.StatusBar; }},
-    {kSectionSpectr, "Cursor", "-1", [](AppState& s) -> F { return &s.options.spectr.Cursor; }},
-    {kSectionSpectr, "ViewGarmonic", "0", [](AppState& s) -> F { return &s.options.spectr.ViewGarmonic; }},
-    {kSectionSpectr, "ViewLinesProbeFreq", "0", [](AppState& s) -> F { return &s.options.spectr.ViewLinesProbeFreq; }},
-    {kSectionSpectr, "SpectrViewType", "1", [](AppState& s) -> F { return &s.options.spectr.SpectrViewType; }},
-    {kSectionSpectr, "Evaluation", "0", [](AppState& s) -> F { return &s.options.spectr.Evaluation; }},
+    // Spectrum view: the ticks of its menu in their groups, then the rest.
+    {kSectionSpectr, "ViewGarmonic", "0", [](AppState& s) -> F { return &s.options.spectr.ViewGarmonic; }, {"Гармоники", "mnuSpectrGarmonica", 1}},
+    {kSectionSpectr, "ViewLinesProbeFreq", "0", [](AppState& s) -> F { return &s.options.spectr.ViewLinesProbeFreq; }, {"Проверочные частоты", "mnuSpectrLinesProbeFreq", 1}},
+    {kSectionSpectr, "StatusBarParameter", "1", [](AppState& s) -> F { return &s.options.spectr.StatusBarParameter; }, {"Панель параметров", "mnuSpectrStatusBarParameter", 0}},
+    {kSectionSpectr, "StatusBar", "1", [](AppState& s) -> F { return &s.options.spectr.StatusBar; }, {"Информационная строка", "mnuSpectrStatusBar", 0}},
+    {kSectionSpectr, "Cursor", "-1", [](AppState& s) -> F { return &s.options.spectr.Cursor; }, {}, -1, 1},
+    {kSectionSpectr, "SpectrViewType", "1", [](AppState& s) -> F { return &s.options.spectr.SpectrViewType; }, {}, 0, 1},
+    {kSectionSpectr, "Evaluation", "0", [](AppState& s) -> F { return &s.options.spectr.Evaluation; }, {}, 0, 3},
+    {kSectionSpectr, "GarmonicaN", "10", [](AppState& s) -> F { return &s.options.spectr.GarmonicaN; }, {}, 1, 10},
     // Cascade of spectra.
-    {kSectionSpectrum, "StatusBar", "1", [](AppState& s) -> F { return &s.options.spectrum.StatusBar; }},
-    {kSectionSpectrum, "SpectrumViewType", "1", [](AppState& s) -> F { return &s.options.spectrum.SpectrumViewType; }},
+    {kSectionSpectrum, "StatusBar", "1", [](AppState& s) -> F { return &s.options.spectrum.StatusBar; }, {"Информационная строка", "mnuSpectrumStatusBar", 0}},
+    {kSectionSpectrum, "SpectrumViewType", "1", [](AppState& s) -> F { return &s.options.spectrum.SpectrumViewType; }, {}, 0, 1},
     // Trajectory view.
     {kSectionTraectoria, "StatusBar", "1", [](AppState& s) -> F { return &s.options.traectoria.StatusBar; }},
     {kSectionTraectoria, "Cursor", "0", [](AppState& s) -> F { return &s.options.traectoria.Cursor; }},

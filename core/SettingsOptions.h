@@ -44,6 +44,11 @@ struct ConfigOptions {
   int32_t StartUpPicture = 1;
   int32_t ProbeType = 0;             // unit of the probe table: 0 Hz, 1 harmonic
   int32_t FilterType = 0;            // unit of the filter table
+  // Spectrum analyser: window 0 "Нет", 1..8 (Hanning first), its alpha
+  // parameter and the overlap of the blocks in percent.
+  int32_t SmoothingWindow = 1;
+  double AlphaParametr = 0.0;
+  int32_t Overlapping = 50;
 };
 
 // Section Signal: the check marks of the signal view's menu.
@@ -70,7 +75,8 @@ struct SpectrOptions {
   bool ViewGarmonic = false;
   bool ViewLinesProbeFreq = false;
   int32_t SpectrViewType = 1;
-  bool Evaluation = false;
+  int32_t Evaluation = 0;            // 0 none, 1..3 the ticked entry of mnuSpectrEvaluation
+  int32_t GarmonicaN = 10;           // harmonic lines drawn, 1..10
 };
 
 // Section Spectrum: the cascade of spectra.

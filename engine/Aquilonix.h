@@ -341,6 +341,22 @@ AQX_API void AccountSpectrFull(double* SpectrRe, double* SpectrIm, double* Spect
                                const float* Ku, int32_t ShaftMarkCount, const int32_t* ShaftMarks,
                                int32_t flag);
 
+/* The spectrum of AccountSpectrFull (same stretch, block rule, units, line 0,
+ * averaging and phase reference) with another smoothing window and block
+ * overlap: windowIndex as FillBpfWindow (0 or any other: no window), the
+ * periodic form of the window over each block, its amplitude loss corrected
+ * (a sinusoid on a line reads its peak-to-peak amplitude whatever the
+ * window); blocks start every L * (100 - overlapPercent) / 100 rows, the
+ * overlap held to 0..99. With StatusFilterConst non-zero each block's mean is
+ * removed before the window. SpectrPhase and SpectrReal may be null. */
+AQX_API void AccountSpectrWindow(double* SpectrPhase, double* SpectrReal, double* SpectrAmplitude,
+                                 int32_t SelectFirst, int32_t SelectLast, int32_t ViewFirst,
+                                 int32_t ViewLast, int32_t SignalDataN, const int16_t* SignalData,
+                                 int32_t channel, int32_t StatusFilterConst, int32_t BlockSizeFFT,
+                                 int32_t windowIndex, int32_t overlapPercent, double* StepDesc,
+                                 int32_t FreqDesc, int32_t* SpectrLineCount, int32_t* SpectrMax,
+                                 const float* Ku, int32_t ShaftMarkCount, const int32_t* ShaftMarks);
+
 /* Multiplies rows 1..SignalDataN of all 32 columns in place by the smoothing
  * window of that index (peak 1, published formulas, symmetric over the rows):
  * 1 Hanning, 2 Hamming, 3 Blackman, 4 Bartlett, 5 Blackman-Harris (4 terms),

@@ -7,6 +7,7 @@
 #include "core/Numeric.h"
 #include "files/FileReaders.h"
 #include "files/SolidFile.h"
+#include "tools/SpectrumSupport.h"
 #include "tools/ToolCommand.h"
 #include "views/Analysis.h"
 #include "views/parameters/ParameterSteps.h"
@@ -23,6 +24,25 @@
 
 namespace aqx::tool {
 
+bool SavePicture(const views::DrawList& picture, const QString& path) {
+  const QImage image = ui::RenderDrawList(picture);
+  // A temporary beside the target, renamed when complete: never a half
+  // written picture under the asked name.
+  const QString temporary = path + QStringLiteral(".part");
+  if (!image.save(temporary, "PNG")) {
+    QFile::remove(temporary);
+    Print(stderr, QStringLiteral("render: cannot write '%1'\n").arg(path));
+    return false;
+  }
+  QFile::remove(path);
+  if (!QFile::rename(temporary, path)) {
+    QFile::remove(temporary);
+    Print(stderr, QStringLiteral("render: cannot write '%1'\n").arg(path));
+    return false;
+  }
+  return true;
+}
+
 namespace {
 
 constexpr int kDefaultWidthPx = 1024;
@@ -31,24 +51,10 @@ constexpr int kMaxSidePx = 16384;
 
 const QStringList kValueOptions = {QStringLiteral("--width"), QStringLiteral("--height"), QStringLiteral("--channel"),
                                    QStringLiteral("--first"), QStringLiteral("--last"), QStringLiteral("--block"),
-                                   QStringLiteral("--scale")};
+                                   QStringLiteral("--scale"), QStringLiteral("--parts"), QStringLiteral("--fft")};
 
-// An integer option within bounds; nullopt (and a message) when it is given
-// but no such number.
 std::optional<int> IntOption(const QStringList& args, const QString& name, int fallback, int low, int high) {
-  const QString text = OptionValue(args, name);
-  if (text.isEmpty() && !args.contains(name)) return fallback;
-  bool ok = false;
-  const int value = text.toInt(&ok);
-  if (!ok || value < low || value > high) {
-    Print(stderr, QStringLiteral("render: %1 takes a whole number from %2 to %3, not '%4'\n")
-                      .arg(name)
-                      .arg(low)
-                      .arg(high)
-                      .arg(text));
-    return std::nullopt;
-  }
-  return value;
+  return tool::IntOption(args, QStringLiteral("render"), name, fallback, low, high);
 }
 
 // The channel to draw: the one asked for, else the file's current one, else
@@ -77,25 +83,6 @@ void ShowStretch(AppState& s, views::SignalViewState& v, int first, int last) {
   v.SliderH = zoom;
   v.CentreSample = RoundHalfEven((static_cast<double>(first) + last) / 2.0);
   views::ConfigSliderH(s, v);
-}
-
-bool SavePicture(const views::DrawList& picture, const QString& path) {
-  const QImage image = ui::RenderDrawList(picture);
-  // A temporary beside the target, renamed when complete: never a half
-  // written picture under the asked name.
-  const QString temporary = path + QStringLiteral(".part");
-  if (!image.save(temporary, "PNG")) {
-    QFile::remove(temporary);
-    Print(stderr, QStringLiteral("render: cannot write '%1'\n").arg(path));
-    return false;
-  }
-  QFile::remove(path);
-  if (!QFile::rename(temporary, path)) {
-    QFile::remove(temporary);
-    Print(stderr, QStringLiteral("render: cannot write '%1'\n").arg(path));
-    return false;
-  }
-  return true;
 }
 
 // The block of a continuous recording asked for by --block and --scale ("min"
@@ -133,8 +120,10 @@ bool CommandNeedsGui(const QString& name) { return name == QStringLiteral("rende
 
 int RunRender(ToolContext& ctx) {
   const QStringList positionals = Positionals(ctx.args, kValueOptions);
+  if (positionals.size() == 3 && (positionals[0] == QStringLiteral("spectrum") || positionals[0] == QStringLiteral("cascade")))
+    return RunRenderSpectrum(ctx, positionals);
   if (positionals.size() != 3 || positionals[0] != QStringLiteral("signal")) {
-    Print(stderr, QStringLiteral("usage: aquilonix-tool render signal FILE OUT.png [--width W --height H "
+    Print(stderr, QStringLiteral("usage: aquilonix-tool render signal|spectrum|cascade FILE OUT.png [--width W --height H "
                                  "--channel C --first A --last B --block N --scale M|min]\n"));
     return kExitRefused;
   }

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <cstdio>
+#include <optional>
 #include <span>
 
 namespace aqx::tool {
@@ -38,6 +39,10 @@ QString OptionValue(const QStringList& args, const QString& name, const QString&
 bool HasFlag(const QStringList& args, const QString& name);
 // Positional arguments, skipping options listed in valueOptions with their values.
 QStringList Positionals(const QStringList& args, const QStringList& valueOptions);
+// An integer option within bounds: the fallback when absent, nullopt (and a
+// message naming the command) when given but no such number.
+std::optional<int> IntOption(const QStringList& args, const QString& command, const QString& name, int fallback,
+                             int low, int high);
 // Writes UTF-8 text to a stream.
 void Print(FILE* stream, const QString& text);
 

@@ -23,6 +23,23 @@ QStringList Positionals(const QStringList& args, const QStringList& valueOptions
   return out;
 }
 
+std::optional<int> IntOption(const QStringList& args, const QString& command, const QString& name, int fallback,
+                             int low, int high) {
+  const QString text = OptionValue(args, name);
+  if (text.isEmpty() && !args.contains(name)) return fallback;
+  bool ok = false;
+  const int value = text.toInt(&ok);
+  if (!ok || value < low || value > high) {
+    Print(stderr, QStringLiteral("%1: %2 takes a whole number from %3 to %4, not '%5'\n")
+                      .arg(command, name)
+                      .arg(low)
+                      .arg(high)
+                      .arg(text));
+    return std::nullopt;
+  }
+  return value;
+}
+
 void Print(FILE* stream, const QString& text) {
   const QByteArray bytes = text.toUtf8();
   std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);

@@ -2,6 +2,7 @@
 
 #include "engine/Aquilonix.h"
 #include "views/signal/SignalEngine.h"
+#include "views/spectrum/SpectrumEngine.h"
 
 #include <algorithm>
 
@@ -16,16 +17,11 @@ int ValidChannel(const AppState& s, int channel) { return std::clamp(channel, 1,
 
 void AccountChannelSpectrum(AppState& s, AnalysisResults& r, int channel) {
   const int c = ValidChannel(s, channel);
-  const int32_t flag = s.ViewOpenFlags[frmViewSpectr] ? -1 : 0;
-  AccountSpectrFull(nullptr, nullptr, r.SpectrPhase.data(), r.SpectrReal.data(), r.SpectrAmplitude.data(),
-                    s.SelectFirst, s.SelectLast, s.ViewFirst, s.ViewLast, kMaxSamples, s.SignalDataN,
-                    s.SignalData.data(), c, s.SignalOffset.data(), s.channels.Type.data(), s.options.parameters.StatusFilterConst ? 1 : 0,
-                    s.BlockSizeFFT, &s.StepDesc, s.FreqDesc, &s.SpectrLineCount, &r.SpectrMax,
-                    s.channels.Ku.data(), std::clamp(s.ShaftMarkCount, 0, kMaxShaftMarks), s.ShaftMarks.data(), flag);
-  // The engine takes whole hertz; a coarse block of a continuous recording
-  // runs at a fraction of one, and its lines are that much closer.
-  if (s.FreqDesc != ChannelRateHz(s) && ChannelRateHz(s) > 0.0)
-    s.StepDesc *= ChannelRateHz(s) / std::max(s.FreqDesc, 1);
+  SpectrumOut out{r.SpectrAmplitude.data(), r.SpectrPhase.data(), r.SpectrReal.data()};
+  SpectrumOfRows(s, c, s.SelectFirst, s.SelectLast, s.ViewFirst, s.ViewLast, out);
+  if (out.SpectrLineCount > 0) s.StepDesc = out.StepDesc;
+  s.SpectrLineCount = out.SpectrLineCount;
+  r.SpectrMax = out.SpectrMax;
   r.SpectrChannel = c;
 }
 

@@ -296,7 +296,8 @@ TEST(MainWindow, CopyPicturePutsHeaderAboveThePicture) {
   ASSERT_TRUE(w.window->OpenFile(file));
   ui::SignalWindow* view = w.window->signalWindow();
   ASSERT_NE(view, nullptr);
-  w.window->mdiArea()->setActiveSubWindow(w.window->mdiArea()->subWindowList().front());
+  // The file's style opens the spectrum beside it; the signal window is the one copied.
+  w.window->mdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(view->parentWidget()));
   QGuiApplication::clipboard()->clear();
   w.window->action(QStringLiteral("mnuFileCopy"))->trigger();
   const QImage copied = QGuiApplication::clipboard()->image();

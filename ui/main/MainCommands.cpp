@@ -11,6 +11,8 @@
 #include "ui/acquisition/ModuleWindows.h"
 #include "ui/signal/ParametersWindow.h"
 #include "ui/signal/SignalWindow.h"
+#include "ui/spectrum/CascadeWindow.h"
+#include "ui/spectrum/SpectrWindow.h"
 #include "core/ConfigKeys.h"
 #include "ui/common/OptionMenu.h"
 #include "ui/main/Workspace.h"
@@ -57,6 +59,8 @@ void MainWindow::mnuFileCopy() {
   QMdiSubWindow* active = mdi_->activeSubWindow();
   if (!active) return;
   if (auto* w = qobject_cast<SignalWindow*>(active->widget())) w->CopyPicture();
+  if (auto* w = qobject_cast<SpectrWindow*>(active->widget())) w->CopyPicture();
+  if (auto* w = qobject_cast<CascadeWindow*>(active->widget())) w->CopyPicture();
   if (auto* w = qobject_cast<ParametersWindow*>(active->widget())) {
     PutPictureOnClipboard(w->grab().toImage(), {w->line()});
   }
@@ -270,7 +274,11 @@ void MainWindow::mnuServiceDigitalLines() {
 // ---------------------------------------------------------------------------
 
 QMdiSubWindow* MainWindow::openView(int window) {
-  QPointer<QMdiSubWindow>* slot = window == frmViewSignal ? &signalSub_ : window == kParametersWindow ? &parametersSub_ : nullptr;
+  QPointer<QMdiSubWindow>* slot = window == frmViewSignal     ? &signalSub_
+                                  : window == kParametersWindow ? &parametersSub_
+                                  : window == frmViewSpectr     ? &spectrSub_
+                                  : window == frmViewSpectrum   ? &cascadeSub_
+                                                                : nullptr;
   if (!slot) return nullptr;  // windows of later versions
   if (*slot) {
     mdi_->setActiveSubWindow(*slot);
@@ -279,8 +287,10 @@ QMdiSubWindow* MainWindow::openView(int window) {
   QWidget* content = nullptr;
   if (window == frmViewSignal) {
     content = new SignalWindow(*this);
-  } else {
+  } else if (window == kParametersWindow) {
     content = new ParametersWindow(*this);
+  } else {
+    content = makeSpectrumView(window);
   }
   QMdiSubWindow* sub = mdi_->addSubWindow(content);
   sub->setAttribute(Qt::WA_DeleteOnClose);
@@ -300,7 +310,11 @@ QMdiSubWindow* MainWindow::openView(int window) {
 }
 
 void MainWindow::closeView(int window) {
-  QPointer<QMdiSubWindow> sub = window == frmViewSignal ? signalSub_ : window == kParametersWindow ? parametersSub_ : nullptr;
+  QPointer<QMdiSubWindow> sub = window == frmViewSignal     ? signalSub_
+                                : window == kParametersWindow ? parametersSub_
+                                : window == frmViewSpectr     ? spectrSub_
+                                : window == frmViewSpectrum   ? cascadeSub_
+                                                              : nullptr;
   if (!sub) return;
   // Closed and gone at once, so that ViewRefresh no longer sees it.
   delete sub.data();
@@ -309,6 +323,8 @@ void MainWindow::closeView(int window) {
 void MainWindow::closeAllViews() {
   closeView(frmViewSignal);
   closeView(kParametersWindow);
+  closeView(frmViewSpectr);
+  closeView(frmViewSpectrum);
 }
 
 void MainWindow::SetViewStyle() {

@@ -125,8 +125,9 @@ void MainWindow::buildViewMenu() {
   view->addSeparator();
   QAction* signal = addToggle(view, "mnuViewSignal", QStringLiteral("Сигнал"), &MainWindow::mnuViewSignal);
   signal->setIcon(MakeToolIcon(ToolIcon::Signal));
-  addLaterCommand(view, "mnuViewSpectr", QStringLiteral("Спектр"))->setIcon(MakeToolIcon(ToolIcon::Spectr));
-  addLaterCommand(view, "mnuViewSpectrum", QStringLiteral("Каскад спектров"))->setIcon(MakeToolIcon(ToolIcon::Spectrum));
+  addToggle(view, "mnuViewSpectr", QStringLiteral("Спектр"), &MainWindow::mnuViewSpectr)->setIcon(MakeToolIcon(ToolIcon::Spectr));
+  addToggle(view, "mnuViewSpectrum", QStringLiteral("Каскад спектров"), &MainWindow::mnuViewSpectrum)
+      ->setIcon(MakeToolIcon(ToolIcon::Spectrum));
   addLaterCommand(view, "mnuViewTraectoia", QStringLiteral("Траектория"))->setIcon(MakeToolIcon(ToolIcon::Traectoria));
   addLaterCommand(view, "mnuViewFormaRotor", QStringLiteral("Форма ротора"))->setIcon(MakeToolIcon(ToolIcon::FormaRotor));
   addLaterCommand(view, "mnuViewFormaRotorDiagram", QStringLiteral("Диаграмма формы ротора"))
@@ -193,27 +194,36 @@ void MainWindow::buildOtherMenus() {
 
   QMenu* setup = menuBar()->addMenu(QStringLiteral("&Настройка"));
   setup->setObjectName(QStringLiteral("mnuSetup"));
-  const std::pair<const char*, const char*> setupCommands[] = {
-      {"mnuSetupChannels", "Настройка каналов"},
-      {"mnuSetupObject", "Описание режима"},
-      {"mnuSetupRecord", "Установка записи"},
-      {"mnuSetupCheckF", "Проверочные частоты"},
-      {"mnuSetupFiltr", "Фильтр"},
-      {"mnuSetupSpectrumAnalyser", "Спектральный анализ"},
-      {"mnuSetupOtmetchick", "Отметчик"},
-      {"mnuSetupReAccount", "Вырезка эффективного сигнала"},
-      {"mnuSetupConfigs", "Конфигурации"},
-      {"mnuSetupParameters", "Параметры"}};
-  for (const auto& [name, caption] : setupCommands) addLaterCommand(setup, name, QString::fromUtf8(caption));
+  struct SetupEntry {
+    const char* name;
+    const char* caption;
+    void (MainWindow::*handler)();  // null: a later version's
+  };
+  const SetupEntry setupCommands[] = {
+      {"mnuSetupChannels", "Настройка каналов", nullptr},
+      {"mnuSetupObject", "Описание режима", nullptr},
+      {"mnuSetupRecord", "Установка записи", nullptr},
+      {"mnuSetupCheckF", "Проверочные частоты", &MainWindow::mnuSetupCheckF},
+      {"mnuSetupFiltr", "Фильтр", &MainWindow::mnuSetupFiltr},
+      {"mnuSetupSpectrumAnalyser", "Спектральный анализ", &MainWindow::mnuSetupSpectrumAnalyser},
+      {"mnuSetupOtmetchick", "Отметчик", nullptr},
+      {"mnuSetupReAccount", "Вырезка эффективного сигнала", nullptr},
+      {"mnuSetupConfigs", "Конфигурации", nullptr},
+      {"mnuSetupParameters", "Параметры", nullptr}};
+  for (const SetupEntry& e : setupCommands) {
+    if (e.handler) {
+      addCommand(setup, e.name, QString::fromUtf8(e.caption), e.handler);
+    } else {
+      addLaterCommand(setup, e.name, QString::fromUtf8(e.caption));
+    }
+  }
 
   QMenu* service = menuBar()->addMenu(QStringLiteral("С&ервис"));
   service->setObjectName(QStringLiteral("mnuService"));
-  const std::pair<const char*, const char*> serviceCommands[] = {
-      {"mnuServiceLineka", "Линейка"},
-      {"mnuServiceEvaluation", "Оценка"},
-      {"mnuServiceDetectSensor", "Тарировка датчиков биения"},
-      {"mnuServiceOtm", "Искуственный отметчик"}};
-  for (const auto& [name, caption] : serviceCommands) addLaterCommand(service, name, QString::fromUtf8(caption));
+  addLaterCommand(service, "mnuServiceLineka", QStringLiteral("Линейка"));
+  addCommand(service, "mnuServiceEvaluation", QStringLiteral("Оценка"), &MainWindow::mnuServiceEvaluation);
+  addLaterCommand(service, "mnuServiceDetectSensor", QStringLiteral("Тарировка датчиков биения"));
+  addLaterCommand(service, "mnuServiceOtm", QStringLiteral("Искуственный отметчик"));
   addCommand(service, "mnuHelpADC", QStringLiteral("Информация АЦП"), &MainWindow::mnuHelpADC)->setCheckable(true);
   addCommand(service, "mnuServiceDigitalLines", QStringLiteral("Цифровые линии"), &MainWindow::mnuServiceDigitalLines);
   addLaterCommand(service, "mnuServicePlayerSound", QStringLiteral("Проигрыватель"));
@@ -296,8 +306,8 @@ void MainWindow::buildToolbars() {
   button("Copy", "mnuFileCopy", ToolIcon::Copy, QStringLiteral("Копировать рисунок активного окна"));
   toolbarMain_->addSeparator();
   button("Signal", "mnuViewSignal", ToolIcon::Signal, QStringLiteral("Сигнал"));
-  button("Spectr", "mnuViewSpectr", ToolIcon::Spectr, QString());
-  button("Spectrum", "mnuViewSpectrum", ToolIcon::Spectrum, QString());
+  button("Spectr", "mnuViewSpectr", ToolIcon::Spectr, QStringLiteral("Спектр"));
+  button("Spectrum", "mnuViewSpectrum", ToolIcon::Spectrum, QStringLiteral("Каскад спектров"));
   button("Traectoria", "mnuViewTraectoia", ToolIcon::Traectoria, QString());
   button("FormaRotorDiagram", "mnuViewFormaRotorDiagram", ToolIcon::FormaRotorDiagram, QString());
   button("FormaRotorSpectr", "mnuViewFormaRotorSpectr", ToolIcon::FormaRotorSpectr, QString());

@@ -98,6 +98,8 @@ MainWindow::~MainWindow() {
   // while the state and the store they write to are still there.
   delete signalSub_.data();
   delete parametersSub_.data();
+  delete spectrSub_.data();
+  delete cascadeSub_.data();
   delete infoAdc_.data();
   delete digitalLines_.data();
 }
@@ -200,6 +202,9 @@ void MainWindow::RefreshToolbarMainMenu() {
   action(QStringLiteral("mnuSignalCopyPicture"))->setEnabled(data && signalWindow() != nullptr);
   action(QStringLiteral("mnuViewSignal"))->setEnabled(data);
   action(QStringLiteral("mnuViewParameters"))->setEnabled(data);
+  action(QStringLiteral("mnuViewSpectr"))->setEnabled(data);
+  action(QStringLiteral("mnuViewSpectrum"))->setEnabled(data);
+  action(QStringLiteral("mnuSetupFiltr"))->setEnabled(data && idle);
   for (int k = 0; k < kViewStyleCount; ++k) action(QStringLiteral("mnuViewStyle%1").arg(k))->setEnabled(data);
   for (QAction* a : recentActions_) a->setEnabled(idle);
   // The module is the run's while it lasts.
@@ -225,6 +230,8 @@ void MainWindow::RefreshToolbarMainMenu() {
 void MainWindow::updateViewChecks() {
   action(QStringLiteral("mnuViewSignal"))->setChecked(signalWindow() != nullptr);
   action(QStringLiteral("mnuViewParameters"))->setChecked(parametersWindow() != nullptr);
+  action(QStringLiteral("mnuViewSpectr"))->setChecked(spectrWindow() != nullptr);
+  action(QStringLiteral("mnuViewSpectrum"))->setChecked(cascadeWindow() != nullptr);
   action(QStringLiteral("mnuHelpADC"))->setChecked(infoAdc_ != nullptr);
   const int style = s_.ViewStyle;
   for (int k = 0; k < kViewStyleCount; ++k) action(QStringLiteral("mnuViewStyle%1").arg(k))->setChecked(k == style);
@@ -332,6 +339,7 @@ void MainWindow::ViewRefresh(bool cheap) {
     registry.signalStatusBarParameter = w->parameterBarTicked();
     w->installRefresh(registry);
   }
+  installSpectrumRefresh(registry);
   if (ParametersWindow* w = parametersWindow()) {
     registry.parametersOpen = true;
     registry[views::RefreshStep::ParametersOutData] = [w] { w->OutData(); };

@@ -28,8 +28,11 @@ class QToolButton;
 
 namespace aqx::ui {
 
+class CascadeWindow;
+class FrequencyTableDialog;
 class MeasurementRun;
 class PanelBar;
+class SpectrWindow;
 class ParametersWindow;
 class SignalWindow;
 
@@ -66,6 +69,10 @@ class MainWindow : public QMainWindow, public ViewHost {
   QMdiArea* mdiArea() const { return mdi_; }
   SignalWindow* signalWindow() const;
   ParametersWindow* parametersWindow() const;
+  SpectrWindow* spectrWindow() const;
+  CascadeWindow* cascadeWindow() const;
+  FrequencyTableDialog* setupProbe() const;
+  FrequencyTableDialog* setupFilter() const;
   QToolBar* toolbarMain() const { return toolbarMain_; }
   QToolBar* toolbarChannels() const { return toolbarChannels_; }
   QToolButton* channelButton(int channel) const;
@@ -133,6 +140,15 @@ class MainWindow : public QMainWindow, public ViewHost {
   void mnuSignalCopy();
   void mnuSignalZoomBack();
   void mnuSignalShowAll();
+  // The spectrum family (MainSpectrum.cpp).
+  void mnuViewSpectr();
+  void mnuViewSpectrum();
+  void mnuSetupCheckF();
+  void mnuSetupFiltr();
+  void mnuSetupSpectrumAnalyser();
+  void mnuServiceEvaluation();
+  void installSpectrumRefresh(views::ViewRegistry& registry);
+  QWidget* makeSpectrumView(int window);
 
   // View windows.
   OpenFileContext context();
@@ -159,6 +175,10 @@ class MainWindow : public QMainWindow, public ViewHost {
   QMdiArea* mdi_ = nullptr;
   QPointer<QMdiSubWindow> signalSub_;
   QPointer<QMdiSubWindow> parametersSub_;
+  QPointer<QMdiSubWindow> spectrSub_;
+  QPointer<QMdiSubWindow> cascadeSub_;
+  QPointer<FrequencyTableDialog> setupProbe_;
+  QPointer<FrequencyTableDialog> setupFilter_;
   QToolBar* toolbarMain_ = nullptr;
   QToolBar* toolbarChannels_ = nullptr;
   std::array<QToolButton*, kMaxChannels> channelButtons_{};
