@@ -14,6 +14,7 @@
 #include "core/ConfigKeys.h"
 #include "ui/common/OptionMenu.h"
 #include "ui/main/Workspace.h"
+#include "ui/rotor/ShaftViews.h"
 
 #include <QAction>
 #include <QMdiArea>
@@ -59,6 +60,7 @@ void MainWindow::mnuFileCopy() {
   if (auto* w = qobject_cast<ParametersWindow*>(active->widget())) {
     PutPictureOnClipboard(w->grab().toImage(), {w->line()});
   }
+  shaftViews_->copyPicture(active->widget());
 }
 
 void MainWindow::mnuFileRecentFile(int k) {
@@ -236,7 +238,7 @@ void MainWindow::mnuServiceDigitalLines() {
 // ---------------------------------------------------------------------------
 
 QMdiSubWindow* MainWindow::openView(int window) {
-  QPointer<QMdiSubWindow>* slot = window == frmViewSignal ? &signalSub_ : window == kParametersWindow ? &parametersSub_ : nullptr;
+  QPointer<QMdiSubWindow>* slot = window == frmViewSignal ? &signalSub_ : window == kParametersWindow ? &parametersSub_ : shaftViews_->slot(window);
   if (!slot) return nullptr;  // windows of later versions
   if (*slot) {
     mdi_->setActiveSubWindow(*slot);
@@ -245,8 +247,10 @@ QMdiSubWindow* MainWindow::openView(int window) {
   QWidget* content = nullptr;
   if (window == frmViewSignal) {
     content = new SignalWindow(*this);
-  } else {
+  } else if (window == kParametersWindow) {
     content = new ParametersWindow(*this);
+  } else {
+    content = shaftViews_->createContent(window);
   }
   QMdiSubWindow* sub = mdi_->addSubWindow(content);
   sub->setAttribute(Qt::WA_DeleteOnClose);
@@ -267,6 +271,7 @@ QMdiSubWindow* MainWindow::openView(int window) {
 
 void MainWindow::closeView(int window) {
   QPointer<QMdiSubWindow> sub = window == frmViewSignal ? signalSub_ : window == kParametersWindow ? parametersSub_ : nullptr;
+  if (shaftViews_->handles(window)) sub = *shaftViews_->slot(window);
   if (!sub) return;
   // Closed and gone at once, so that ViewRefresh no longer sees it.
   delete sub.data();
@@ -275,6 +280,7 @@ void MainWindow::closeView(int window) {
 void MainWindow::closeAllViews() {
   closeView(frmViewSignal);
   closeView(kParametersWindow);
+  shaftViews_->closeAll();
 }
 
 void MainWindow::SetViewStyle() {

@@ -7,6 +7,7 @@
 #include "ui/main/MainWindow.h"
 #include "ui/common/PanelBar.h"
 #include "ui/main/Workspace.h"
+#include "ui/rotor/ShaftViews.h"
 #include "ui/signal/SignalWindow.h"
 
 #include <QActionGroup>
@@ -66,6 +67,7 @@ void MainWindow::buildMenus() {
   buildViewMenu();
   buildOtherMenus();
   buildSignalMenu();
+  shaftViews_->buildPopupMenus();
 }
 
 void MainWindow::buildFileMenu() {
@@ -117,12 +119,7 @@ void MainWindow::buildViewMenu() {
   signal->setIcon(MakeToolIcon(ToolIcon::Signal));
   addLaterCommand(view, "mnuViewSpectr", QStringLiteral("Спектр"))->setIcon(MakeToolIcon(ToolIcon::Spectr));
   addLaterCommand(view, "mnuViewSpectrum", QStringLiteral("Каскад спектров"))->setIcon(MakeToolIcon(ToolIcon::Spectrum));
-  addLaterCommand(view, "mnuViewTraectoia", QStringLiteral("Траектория"))->setIcon(MakeToolIcon(ToolIcon::Traectoria));
-  addLaterCommand(view, "mnuViewFormaRotor", QStringLiteral("Форма ротора"))->setIcon(MakeToolIcon(ToolIcon::FormaRotor));
-  addLaterCommand(view, "mnuViewFormaRotorDiagram", QStringLiteral("Диаграмма формы ротора"))
-      ->setIcon(MakeToolIcon(ToolIcon::FormaRotorDiagram));
-  addLaterCommand(view, "mnuViewFormaRotorSpectr", QStringLiteral("Спектр формы ротора"))
-      ->setIcon(MakeToolIcon(ToolIcon::FormaRotorSpectr));
+  shaftViews_->addViewCommands(view);
   QAction* parameters = addToggle(view, "mnuViewParameters", QStringLiteral("Параметры"), &MainWindow::mnuViewParameters);
   parameters->setIcon(MakeToolIcon(ToolIcon::Parameters));
   view->addSeparator();
@@ -278,9 +275,9 @@ void MainWindow::buildToolbars() {
   button("Signal", "mnuViewSignal", ToolIcon::Signal, QStringLiteral("Сигнал"));
   button("Spectr", "mnuViewSpectr", ToolIcon::Spectr, QString());
   button("Spectrum", "mnuViewSpectrum", ToolIcon::Spectrum, QString());
-  button("Traectoria", "mnuViewTraectoia", ToolIcon::Traectoria, QString());
-  button("FormaRotorDiagram", "mnuViewFormaRotorDiagram", ToolIcon::FormaRotorDiagram, QString());
-  button("FormaRotorSpectr", "mnuViewFormaRotorSpectr", ToolIcon::FormaRotorSpectr, QString());
+  button("Traectoria", "mnuViewTraectoria", ToolIcon::Traectoria, QStringLiteral("Траектория"));
+  button("FormaRotorDiagram", "mnuViewFormaRotorDiagram", ToolIcon::FormaRotorDiagram, QStringLiteral("Диаграмма формы ротора"));
+  button("FormaRotorSpectr", "mnuViewFormaRotorSpectr", ToolIcon::FormaRotorSpectr, QStringLiteral("Спектр формы ротора"));
   button("Parameters", "mnuViewParameters", ToolIcon::Parameters, QStringLiteral("Параметры"));
   button("ADC", "mnuHelpADC", ToolIcon::ADC, QStringLiteral("Информация АЦП"));
   toolbarMain_->addSeparator();

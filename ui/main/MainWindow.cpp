@@ -6,6 +6,7 @@
 #include "ui/common/Icons.h"
 #include "ui/acquisition/MeasurementRun.h"
 #include "ui/common/PanelBar.h"
+#include "ui/rotor/ShaftViews.h"
 #include "ui/signal/ParametersWindow.h"
 #include "ui/signal/SignalWindow.h"
 #include "core/ConfigKeys.h"
@@ -72,6 +73,12 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   mdi_->setObjectName(QStringLiteral("MDIArea"));
   setCentralWidget(mdi_);
   connect(mdi_, &QMdiArea::subWindowActivated, this, [this] { RefreshToolbarMainMenu(); });
+  ShaftViews::Hooks shaftHooks;
+  shaftHooks.openView = [this](int window) { return openView(window); };
+  shaftHooks.closeView = [this](int window) { closeView(window); };
+  shaftHooks.viewRefresh = [this] { ViewRefresh(false); };
+  shaftHooks.refreshToolbars = [this] { RefreshToolbarMainMenu(); };
+  shaftViews_ = std::make_unique<ShaftViews>(*this, prompts_, actions_, this, std::move(shaftHooks));
   buildMenus();
   buildToolbars();
   buildStatusBar();
@@ -97,6 +104,7 @@ MainWindow::~MainWindow() {
   // while the state and the store they write to are still there.
   delete signalSub_.data();
   delete parametersSub_.data();
+  shaftViews_->closeAll();
   delete infoAdc_.data();
   delete digitalLines_.data();
 }
@@ -218,6 +226,7 @@ void MainWindow::RefreshToolbarMainMenu() {
   for (const auto& [name, enabled] : blockStates) action(QString::fromLatin1(name))->setEnabled(enabled && data);
   txtBlock_->setText(blocks.blockText);
   txtSolidBlockM_->setText(blocks.scaleText);
+  shaftViews_->refreshCommands(data);
   updateViewChecks();
 }
 
@@ -225,6 +234,7 @@ void MainWindow::updateViewChecks() {
   action(QStringLiteral("mnuViewSignal"))->setChecked(signalWindow() != nullptr);
   action(QStringLiteral("mnuViewParameters"))->setChecked(parametersWindow() != nullptr);
   action(QStringLiteral("mnuHelpADC"))->setChecked(infoAdc_ != nullptr);
+  shaftViews_->updateChecks();
   const int style = s_.ViewStyle;
   for (int k = 0; k < kViewStyleCount; ++k) action(QStringLiteral("mnuViewStyle%1").arg(k))->setChecked(k == style);
 }
@@ -328,6 +338,7 @@ void MainWindow::ViewRefresh(bool cheap) {
     registry.signalStatusBarParameter = w->parameterBarTicked();
     w->installRefresh(registry);
   }
+  shaftViews_->installRefresh(registry);
   if (ParametersWindow* w = parametersWindow()) {
     registry.parametersOpen = true;
     registry[views::RefreshStep::ParametersOutData] = [w] { w->OutData(); };
