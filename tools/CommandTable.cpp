@@ -12,17 +12,19 @@ int RunExportWav(ToolContext& ctx);
 int RunConfig(ToolContext& ctx);
 int RunDemo(ToolContext& ctx);
 int RunRecord(ToolContext& ctx);
+int RunRotorForm(ToolContext& ctx);
 
 namespace {
 const ToolCommand kCommands[] = {
     {"version", "version                      program version", RunVersion},
-    {"render", "render signal FILE OUT.png [--width W --height H --channel C --first A --last B]  signal view as a picture", RunRender},
+    {"render", "render signal|trajectory|rotor-form|rotor-diagram|rotor-spectrum FILE OUT.png [--width W --height H --channel C --first A --last B --form N]  a view as a picture", RunRender},
     {"info", "info FILE [--json]           header and channel table of a recording", RunInfo},
     {"dump", "dump FILE --channel C [--first A] [--last B]  codes of one channel, one per line", RunDump},
     {"convert", "convert IN OUT               any readable file to a data file of the current layout", RunConvert},
     {"export-wav", "export-wav IN OUT.wav         recorded channels of any readable file as WAVE", RunExportWav},
     {"config", "config list|save|restore|rename|delete  named configurations of the settings", RunConfig},
     {"demo", "demo OUT.aqx [--seconds S]   demonstration recording of the virtual module", RunDemo},
+    {"rotor-form", "rotor-form FILE [--channel C] [--json]  rotor form: pole by pole EMF of every revolution and their average", RunRotorForm},
     {"record", "record OUT.aqx --mode cyclic|solid --seconds S  measurement run with the settings' channels", RunRecord},
 };
 }  // namespace
