@@ -88,11 +88,12 @@ struct SpectrumOptions {
 // Section Traectoria: the trajectory view.
 struct TraectoriaOptions {
   bool StatusBar = true;
-  int32_t Cursor = 0;
+  bool Cursor = false;               // cursor mode instead of panning
   bool CenterRotor = true;
   bool TraectoriaFirstGarmonic = false;
   bool TraectoriaOtmetchick = true;
   bool BeginPoint = true;
+  int32_t ScaleXY = -1;              // the window's scale, kept between its openings
 };
 
 // Section Parameters: the option sheet (AccountOffset, ReminderConvertFile
@@ -141,20 +142,20 @@ struct OtmetchickOptions {
 
 // Section FormaRotor: the rotor form, its diagram and form spectrum.
 struct FormaRotorOptions {
-  int32_t FormaView = 1;
-  int32_t FormaViewColor = 0;
-  int32_t FormaViewScale = 0;
-  int32_t FormaValue = 0;
-  int32_t SpicaN = 8;
-  int32_t SpicaP = 1;
-  int32_t SpicaD = 1;
-  int32_t SpicaV = 1;
-  int32_t DiagramaViewType = 1;
-  int32_t DiagramaView = 1;
-  int32_t DiagramaViewColor = 0;
-  int32_t DiagramaViewScale = 0;
-  int32_t DiagramaValue = 0;
-  int32_t SpectrFormsValue = 0;
+  int32_t FormaView = 1;             // 0 sectors, 1 line
+  bool FormaViewColor = false;       // one colour instead of colouring by limits
+  bool FormaViewScale = false;       // circles at the limits
+  bool FormaValue = false;           // numbers on the plot
+  int32_t SpicaN = 8;                // spokes 1..36
+  int32_t SpicaP = 1;                // pole of the first spoke 1..360
+  int32_t SpicaD = 1;                // 0 "левое", else "правое"
+  bool SpicaV = true;                // spokes drawn
+  int32_t DiagramaViewType = 1;      // 1 bars, 2 line
+  int32_t DiagramaView = 1;          // 1 plain, 2 with each pole's least and greatest
+  bool DiagramaViewColor = false;
+  bool DiagramaViewScale = false;
+  bool DiagramaValue = false;
+  bool SpectrFormsValue = false;
 };
 
 struct SettingsOptions {

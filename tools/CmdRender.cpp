@@ -2,12 +2,14 @@
 // --first A --last B --block N --scale M|min]: draws the signal view of a
 // recording without a window, with the view code of the window program, and
 // writes it as a PNG image. --block and --scale choose the block of a
-// continuous recording as the block commands of the main window do.
+// continuous recording as the block commands of the main window do. The
+// trajectory and the rotor form windows are drawn by CmdRenderShaft.cpp.
 
 #include "core/Numeric.h"
 #include "files/FileReaders.h"
 #include "files/SolidFile.h"
 #include "tools/SpectrumSupport.h"
+#include "tools/RenderSupport.h"
 #include "tools/ToolCommand.h"
 #include "views/Analysis.h"
 #include "views/parameters/ParameterSteps.h"
@@ -15,47 +17,18 @@
 
 #include "ui/paint/PaintDrawList.h"
 
-#include <QFile>
-#include <QImage>
-
 #include <cmath>
 #include <memory>
 #include <optional>
 
 namespace aqx::tool {
 
-bool SavePicture(const views::DrawList& picture, const QString& path) {
-  const QImage image = ui::RenderDrawList(picture);
-  // A temporary beside the target, renamed when complete: never a half
-  // written picture under the asked name.
-  const QString temporary = path + QStringLiteral(".part");
-  if (!image.save(temporary, "PNG")) {
-    QFile::remove(temporary);
-    Print(stderr, QStringLiteral("render: cannot write '%1'\n").arg(path));
-    return false;
-  }
-  QFile::remove(path);
-  if (!QFile::rename(temporary, path)) {
-    QFile::remove(temporary);
-    Print(stderr, QStringLiteral("render: cannot write '%1'\n").arg(path));
-    return false;
-  }
-  return true;
-}
-
 namespace {
-
-constexpr int kDefaultWidthPx = 1024;
-constexpr int kDefaultHeightPx = 600;
-constexpr int kMaxSidePx = 16384;
 
 const QStringList kValueOptions = {QStringLiteral("--width"), QStringLiteral("--height"), QStringLiteral("--channel"),
                                    QStringLiteral("--first"), QStringLiteral("--last"), QStringLiteral("--block"),
-                                   QStringLiteral("--scale"), QStringLiteral("--parts"), QStringLiteral("--fft")};
-
-std::optional<int> IntOption(const QStringList& args, const QString& name, int fallback, int low, int high) {
-  return tool::IntOption(args, QStringLiteral("render"), name, fallback, low, high);
-}
+                                   QStringLiteral("--scale"), QStringLiteral("--parts"), QStringLiteral("--fft"),
+                                   QStringLiteral("--form")};
 
 // The channel to draw: the one asked for, else the file's current one, else
 // the first channel in use. 0 when the recording has no channel in use.
@@ -122,9 +95,11 @@ int RunRender(ToolContext& ctx) {
   const QStringList positionals = Positionals(ctx.args, kValueOptions);
   if (positionals.size() == 3 && (positionals[0] == QStringLiteral("spectrum") || positionals[0] == QStringLiteral("cascade")))
     return RunRenderSpectrum(ctx, positionals);
+  if (positionals.size() == 3 && IsShaftView(positionals[0])) return RenderShaftView(ctx, positionals);
   if (positionals.size() != 3 || positionals[0] != QStringLiteral("signal")) {
-    Print(stderr, QStringLiteral("usage: aquilonix-tool render signal|spectrum|cascade FILE OUT.png [--width W --height H "
-                                 "--channel C --first A --last B --block N --scale M|min]\n"));
+    Print(stderr, QStringLiteral("usage: aquilonix-tool render signal|spectrum|cascade|trajectory|rotor-form|rotor-diagram|"
+                                 "rotor-spectrum FILE OUT.png [--width W --height H --channel C --first A --last B "
+                                 "--block N --scale M|min --parts N --fft N --form N]\n"));
     return kExitRefused;
   }
   const QString input = positionals[1];
@@ -134,17 +109,9 @@ int RunRender(ToolContext& ctx) {
   const auto channel = IntOption(ctx.args, QStringLiteral("--channel"), 0, 1, kMaxChannels);
   if (!width || !height || !channel) return kExitRefused;
 
-  const FileReadFn read = FindFileReader(StandardFileReaders(), input);
-  if (!read) {
-    Print(stderr, QStringLiteral("render: '%1' is not a file type the program reads (aqx, zrk, rsl, wav)\n").arg(input));
-    return kExitRefused;
-  }
-  auto state = std::make_unique<AppState>();
+  const std::unique_ptr<AppState> state = ReadRecording(ctx, input, "render");
+  if (!state) return kExitRefused;
   AppState& s = *state;
-  s.PathFileData = input;
-  s.BatchMode = true;
-  if (!read(s, *ctx.prompts)) return kExitRefused;
-  RecountChannelUsedCount(s);
   if (!ChooseSolidBlock(ctx, s)) return kExitRefused;
 
   const auto first = IntOption(ctx.args, QStringLiteral("--first"), 1, 1, std::max(1, s.SignalDataN));

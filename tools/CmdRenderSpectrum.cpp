@@ -2,6 +2,7 @@
 // --channel --first --last --fft N --parts N]: the spectrum window or the
 // cascade drawn without a window, with the views' own code.
 
+#include "tools/RenderSupport.h"
 #include "tools/SpectrumSupport.h"
 #include "ui/paint/PaintDrawList.h"
 #include "views/Analysis.h"

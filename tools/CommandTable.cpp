@@ -16,11 +16,12 @@ int RunProtocol(ToolContext& ctx);
 int RunProtocolMaster(ToolContext& ctx);
 int RunProtocolTemplate(ToolContext& ctx);
 int RunSpectrum(ToolContext& ctx);
+int RunRotorForm(ToolContext& ctx);
 
 namespace {
 const ToolCommand kCommands[] = {
     {"version", "version                      program version", RunVersion},
-    {"render", "render signal|spectrum|cascade FILE OUT.png [--width W --height H --channel C --first A --last B]  a view as a picture", RunRender},
+    {"render", "render signal|spectrum|cascade|trajectory|rotor-form|rotor-diagram|rotor-spectrum FILE OUT.png [--width W --height H --channel C --first A --last B --form N]  a view as a picture", RunRender},
     {"info", "info FILE [--json]           header and channel table of a recording", RunInfo},
     {"dump", "dump FILE --channel C [--first A] [--last B]  codes of one channel, one per line", RunDump},
     {"convert", "convert IN OUT               any readable file to a data file of the current layout", RunConvert},
@@ -28,6 +29,7 @@ const ToolCommand kCommands[] = {
     {"config", "config list|save|restore|rename|delete  named configurations of the settings", RunConfig},
     {"demo", "demo OUT.aqx [--seconds S]   demonstration recording of the virtual module", RunDemo},
     {"spectrum", "spectrum FILE --channel C [--first A --last B] [--json] [--csv OUT]  what the spectrum window shows", RunSpectrum},
+    {"rotor-form", "rotor-form FILE [--channel C] [--json]  rotor form: pole by pole EMF of every revolution and their average", RunRotorForm},
     {"record", "record OUT.aqx --mode cyclic|solid --seconds S  measurement run with the settings' channels", RunRecord},
     {"protocol", "protocol FOLDER OUT.xlsx     protocol of the recordings of a folder", RunProtocol},
     {"protocol-master", "protocol-master OUT.xlsx FILE... [--channels \"A;B\"] [--parameters \"P;Q\"] [--list]  "

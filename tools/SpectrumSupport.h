@@ -21,9 +21,6 @@ struct SpectrumRequest {
 // message on stderr (no such file, a channel that is off, an empty stretch).
 bool LoadForSpectrum(ToolContext& ctx, const QString& command, const QString& path, AppState& s, SpectrumRequest& r);
 
-// The PNG writer of render (through a temporary beside the target).
-bool SavePicture(const views::DrawList& picture, const QString& path);
-
 // render spectrum|cascade FILE OUT.png.
 int RunRenderSpectrum(ToolContext& ctx, const QStringList& positionals);
 

@@ -64,9 +64,10 @@ std::array<int32_t, 5> DetectorStretch(const AppState& s) {
 
 void InstallEngineSteps(ViewRegistry& registry, AppState& s, AnalysisResults& r) {
   registry[RefreshStep::SpectrumFirst] = [&s, &r] { AccountChannelSpectrum(s, r, s.FirstChannelActive); };
-  // The trajectory's second channel; its spectrum replaces the first's in
-  // the arrays, as it always has.
-  registry[RefreshStep::SpectrumNext] = [&s, &r] { AccountChannelSpectrum(s, r, s.FirstChannelActive + 1); };
+  // SpectrumNext stays empty: the trajectory reads its second channel's
+  // first harmonic itself, and a spectrum of that channel here would take
+  // the active channel's place in the arrays that the probe values and the
+  // spectrum view read next.
   registry[RefreshStep::Probe] = [&s, &r] { AccountChannelProbeValues(s, r); };
   registry[RefreshStep::SignalMax] = [&s] { AccountSignalMaxAll(s); };
   registry[RefreshStep::Otmetchick] = [&s, &r] {

@@ -5,6 +5,7 @@
 
 #include "core/AppState.h"
 #include "views/ViewRefresh.h"
+#include "views/rotor/RotorForm.h"
 #include "views/signal/SignalView.h"
 
 #include <array>
@@ -39,6 +40,8 @@ struct AnalysisResults {
   // of running the detector a second time.
   RotorSpeed speed;
   std::array<int32_t, 5> speedStretch{};
+  // The rotor form of the last FormaRotorAccount, shared by its three windows.
+  FormaRotorResults forma;
 };
 
 // What the shaft marker detector depends on besides the samples.

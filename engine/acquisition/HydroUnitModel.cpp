@@ -85,7 +85,10 @@ double HydroUnitModel::millivolts(int channel, bool differential, double t, uint
   switch (sc.kind) {
     case SignalKind::RunOut: {
       // Pairs of probes stand at right angles; further pairs sit lower on
-      // the shaft with a somewhat larger and turned run-out.
+      // the shaft with a somewhat larger and turned run-out. The first pair
+      // sees a known orbit: x = A sin θ + B sin(2θ + 0.8) and
+      // y = A cos θ - B sin(2θ + 0.8) around the gap voltage, A = runOutMv
+      // (a circle of the first harmonic), B = runOut2Mv.
       const int order = runOutOrder_[c];
       const double phase = (order % 2) * std::numbers::pi / 2.0 + (order / 2) * 0.35;
       const double scale = 1.0 + 0.15 * (order / 2);
@@ -110,9 +113,12 @@ double HydroUnitModel::millivolts(int channel, bool differential, double t, uint
       break;
     }
     case SignalKind::TurnProbe: {
+      // The shaft mark stands in the middle of the last pole's pitch, so
+      // that pole 1 is the first whole pole after it, beyond doubt.
       const int poles = settings_.poles;
-      const double pos = (turns - std::floor(turns)) * poles;
-      const int pole = std::min(static_cast<int>(pos), poles - 1);
+      double pos = (turns - std::floor(turns)) * poles - 0.5;
+      if (pos < 0.0) pos += poles;
+      const int pole = std::clamp(static_cast<int>(pos), 0, poles - 1);
       const double x = (pos - pole - 0.5) / kPoleWidth;
       const double sign = pole % 2 == 0 ? 1.0 : -1.0;
       v = sign * settings_.turnMv * (1.0 + poleDeviation_[static_cast<size_t>(pole)]) *

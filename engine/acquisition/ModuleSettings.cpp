@@ -25,8 +25,9 @@
 //   AQX_VIRTUAL_BROADBAND_MV      vibration broadband rms (25)
 //   AQX_VIRTUAL_MARKER_MV         marker pulse height (5000)
 //   AQX_VIRTUAL_TURN_MV           turn-probe pulse height (2000)
-//   AQX_VIRTUAL_POLE_SPREAD       random pole-to-pole spread, percent (5)
+//   AQX_VIRTUAL_POLE_SPREAD       random pole-to-pole spread, percent (0.5)
 //   AQX_VIRTUAL_POLE_DEVIATION    "pole:percent,..." fixed deviations, pole from 1
+//                                 ("7:6,23:-9,31:4"; an empty text for none)
 //   AQX_VIRTUAL_NOISE_MV          noise rms on every input (3)
 //   AQX_VIRTUAL_OVERLOAD          channels driven far past their range: "all" or "2,5"
 //   AQX_VIRTUAL_FAIL              error number to provoke at its step
@@ -167,6 +168,7 @@ ModuleSettings ParseModuleSettings(const SettingLookup& lookup) {
   number("AQX_VIRTUAL_POLE_SPREAD", s.poleSpreadPercent);
   number("AQX_VIRTUAL_NOISE_MV", s.noiseMv);
   if (const auto v = text("AQX_VIRTUAL_POLE_DEVIATION")) {
+    s.poleDeviations.clear();
     for (const std::string& item : Split(*v, ',')) {
       const std::vector<std::string> kv = Split(item, ':');
       if (kv.size() != 2) continue;

@@ -63,8 +63,10 @@ struct ModuleSettings {
   double broadbandMv = 25.0;
   double markerMv = 5000.0;
   double turnMv = 2000.0;
-  double poleSpreadPercent = 5.0;
-  std::vector<std::pair<int, double>> poleDeviations;  // pole from 1, percent
+  // A small random spread, and a few poles far enough off to show in the
+  // rotor form: one past the red limit, two in the yellow band.
+  double poleSpreadPercent = 0.5;
+  std::vector<std::pair<int, double>> poleDeviations{{7, 6.0}, {23, -9.0}, {31, 4.0}};  // pole from 1, percent
   double noiseMv = 3.0;
   std::array<bool, kScenarioChannels> overload{};
 

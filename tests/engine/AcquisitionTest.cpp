@@ -297,7 +297,8 @@ TEST(AcquisitionSignals, TurnProbeHasOnePulsePerPoleWithItsOwnAmplitude) {
   EXPECT_EQ(StopPotok(), 0);
   const auto edges = RisingEdges(store.get(), 1, 16384, 2000);
   ASSERT_GE(edges.size(), 3u);
-  const int64_t start = edges[0];
+  // Pole 1 begins half a pitch after the mark.
+  const int64_t start = edges[0] + 125;
   for (int pole = 0; pole < 8; ++pole) {
     int peak = 0;
     for (int64_t r = start + pole * 250; r < start + (pole + 1) * 250; ++r)

@@ -5,11 +5,14 @@
 #include "files/DataFile.h"
 #include "tools/ToolCommand.h"
 #include "tests/tools/ToolTestSupport.h"
+#include "views/rotor/RotorForm.h"
+#include "views/trajectory/TraectoriaView.h"
 
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -73,6 +76,31 @@ TEST_F(AcquisitionTool, DemoRecordsARunningUnitThatTheReaderOpens) {
   EXPECT_NEAR(maxRpm, 150.0, 1.5);
   // Run-out codes sit around the probe's gap voltage: 4 V is 3200 codes.
   EXPECT_NEAR(s->SignalData.at(100, 2), 3200, 600);
+
+  // The turn probe carries the module's chosen poles: 7 at +6 %, 23 at -9 %,
+  // 31 at +4 %, the rest within half a percent.
+  auto forma = std::make_unique<views::FormaRotorResults>();
+  ASSERT_EQ(views::RunFormaRotorAccount(*s, *forma), 0) << views::FormaRotorFailureText(forma->Failure, *s).toStdString();
+  EXPECT_EQ(forma->Polus, 40);
+  EXPECT_GE(forma->FormaRotorN, 3);
+  EXPECT_NEAR(forma->percent(0, 7), 6.0, 0.7);
+  EXPECT_NEAR(forma->percent(0, 23), -9.0, 0.7);
+  EXPECT_NEAR(forma->percent(0, 31), 4.0, 0.7);
+  EXPECT_NEAR(forma->percent(0, 12), 0.0, 0.7);
+
+  // Its first run-out pair (ВБ, ПБ) draws the known orbit: a first harmonic
+  // circle of 400 mV over 8 mV/µm, 50 µm in radius.
+  auto analysis = std::make_unique<views::AnalysisResults>();
+  s->FirstChannelActive = 2;
+  s->options.traectoria.TraectoriaFirstGarmonic = true;
+  views::TraectoriaViewState v;
+  views::InitTraectoriaView(*s, v);
+  views::ResizeTraectoria(v, 400, 400);
+  views::PrepareTraectoria(*s, *analysis, v);
+  ASSERT_TRUE(v.Paired);
+  EXPECT_NEAR(v.AmplitudeX, 100, 4);
+  EXPECT_NEAR(v.AmplitudeY, 100, 4);
+  EXPECT_NEAR(std::abs(std::remainder(v.PhaseX - v.PhaseY, 360.0)), 90, 4);
 }
 
 TEST_F(AcquisitionTool, ContinuousRecordShowsItsBlockFigures) {

@@ -2,6 +2,7 @@
 // the picture, and the coarsest block of a very long continuous recording.
 #include "core/AppState.h"
 #include "files/DataFile.h"
+#include "tests/tools/ToolTestSupport.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -16,22 +17,8 @@
 namespace aqx {
 namespace {
 
-struct ToolRun {
-  int exitCode = -1;
-  QString out;
-  QString err;
-};
-
-ToolRun RunTool(const QStringList& args) {
-  QProcess tool;
-  QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-  env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-  tool.setProcessEnvironment(env);
-  tool.start(QStringLiteral(AQX_BINARY_DIR "/tools/aquilonix-tool"), args);
-  tool.waitForFinished(120000);
-  return {tool.exitStatus() == QProcess::NormalExit ? tool.exitCode() : -1,
-          QString::fromUtf8(tool.readAllStandardOutput()), QString::fromUtf8(tool.readAllStandardError())};
-}
+using tool::RunTool;
+using tool::ToolRun;
 
 // A continuous recording of three channels at 32 kHz, `bytes` long, its
 // samples a hole of the file system.

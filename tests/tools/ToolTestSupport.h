@@ -4,6 +4,7 @@
 #include "core/Prompts.h"
 #include "tools/ToolCommand.h"
 
+#include <QProcess>
 #include <QString>
 #include <QStringList>
 
@@ -29,6 +30,25 @@ inline int RunToolCommand(int (*command)(ToolContext&), const QStringList& args,
   std::fclose(stream);
   out = QString::fromUtf8(bytes);
   return rc;
+}
+
+struct ToolRun {
+  int exitCode = -1;
+  QString out;
+  QString err;
+};
+
+// The tool as the user runs it, in a process of its own (painting needs a
+// GUI application, offscreen here).
+inline ToolRun RunTool(const QStringList& args) {
+  QProcess tool;
+  QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+  env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+  tool.setProcessEnvironment(env);
+  tool.start(QStringLiteral(AQX_BINARY_DIR "/tools/aquilonix-tool"), args);
+  tool.waitForFinished(120000);
+  return {tool.exitStatus() == QProcess::NormalExit ? tool.exitCode() : -1,
+          QString::fromUtf8(tool.readAllStandardOutput()), QString::fromUtf8(tool.readAllStandardError())};
 }
 
 }  // namespace aqx::tool

@@ -170,6 +170,10 @@ TEST(MainWindow, ViewStylesOpenAndArrangeTheirWindows) {
   EXPECT_EQ(w.store.get(QStringLiteral("Config"), QStringLiteral("ViewStyle")), QStringLiteral("7"));
   w.window->action(QStringLiteral("mnuViewStyle6"))->trigger();
   ASSERT_NE(w.window->signalWindow(), nullptr);
+  // The rotor form beside it; this recording has no turn probe, which it says.
+  EXPECT_EQ(w.window->mdiArea()->subWindowList().size(), 2);
+  EXPECT_TRUE(w.state->ViewOpenFlags[frmViewFormaRotor]);
+  w.window->action(QStringLiteral("mnuViewFormaRotor"))->trigger();
   EXPECT_EQ(w.window->mdiArea()->subWindowList().size(), 1);
   w.window->action(QStringLiteral("mnuViewParameters"))->trigger();
   w.window->action(QStringLiteral("mnuWindowArrange1"))->trigger();  // tile across

@@ -90,6 +90,12 @@ inline std::vector<views::Line> LinesOf(const views::DrawList& list, views::BgrC
   return out;
 }
 
+inline bool HasText(const views::DrawList& list, const QString& text) {
+  for (const auto& t : ItemsOf<views::Text>(list))
+    if (QString::fromStdString(t.utf8) == text) return true;
+  return false;
+}
+
 inline std::vector<views::Polyline> TracesOf(const views::DrawList& list) { return ItemsOf<views::Polyline>(list); }
 
 }  // namespace aqx::testing_views

@@ -16,6 +16,7 @@
 #include "core/ConfigKeys.h"
 #include "ui/common/OptionMenu.h"
 #include "ui/main/Workspace.h"
+#include "ui/rotor/ShaftViews.h"
 
 #include <QAction>
 #include <QMdiArea>
@@ -64,6 +65,7 @@ void MainWindow::mnuFileCopy() {
   if (auto* w = qobject_cast<ParametersWindow*>(active->widget())) {
     PutPictureOnClipboard(w->grab().toImage(), {w->line()});
   }
+  shaftViews_->copyPicture(active->widget());
 }
 
 void MainWindow::mnuFileRecentFile(int k) {
@@ -278,7 +280,7 @@ QMdiSubWindow* MainWindow::openView(int window) {
                                   : window == kParametersWindow ? &parametersSub_
                                   : window == frmViewSpectr     ? &spectrSub_
                                   : window == frmViewSpectrum   ? &cascadeSub_
-                                                                : nullptr;
+                                                                : shaftViews_->slot(window);
   if (!slot) return nullptr;  // windows of later versions
   if (*slot) {
     mdi_->setActiveSubWindow(*slot);
@@ -290,7 +292,7 @@ QMdiSubWindow* MainWindow::openView(int window) {
   } else if (window == kParametersWindow) {
     content = new ParametersWindow(*this);
   } else {
-    content = makeSpectrumView(window);
+    content = shaftViews_->handles(window) ? shaftViews_->createContent(window) : makeSpectrumView(window);
   }
   QMdiSubWindow* sub = mdi_->addSubWindow(content);
   sub->setAttribute(Qt::WA_DeleteOnClose);
@@ -315,6 +317,7 @@ void MainWindow::closeView(int window) {
                                 : window == frmViewSpectr     ? spectrSub_
                                 : window == frmViewSpectrum   ? cascadeSub_
                                                               : nullptr;
+  if (shaftViews_->handles(window)) sub = *shaftViews_->slot(window);
   if (!sub) return;
   // Closed and gone at once, so that ViewRefresh no longer sees it.
   delete sub.data();
@@ -325,6 +328,7 @@ void MainWindow::closeAllViews() {
   closeView(kParametersWindow);
   closeView(frmViewSpectr);
   closeView(frmViewSpectrum);
+  shaftViews_->closeAll();
 }
 
 void MainWindow::SetViewStyle() {

@@ -7,6 +7,7 @@
 #include "ui/main/MainWindow.h"
 #include "ui/common/PanelBar.h"
 #include "ui/main/Workspace.h"
+#include "ui/rotor/ShaftViews.h"
 #include "ui/signal/SignalWindow.h"
 
 #include <QActionGroup>
@@ -75,6 +76,7 @@ void MainWindow::buildMenus() {
     menuBar()->setActiveAction(menuBar()->actions().value(0));
   });
   addAction(menuKey);
+  shaftViews_->buildPopupMenus();
 }
 
 void MainWindow::buildFileMenu() {
@@ -128,12 +130,7 @@ void MainWindow::buildViewMenu() {
   addToggle(view, "mnuViewSpectr", QStringLiteral("Спектр"), &MainWindow::mnuViewSpectr)->setIcon(MakeToolIcon(ToolIcon::Spectr));
   addToggle(view, "mnuViewSpectrum", QStringLiteral("Каскад спектров"), &MainWindow::mnuViewSpectrum)
       ->setIcon(MakeToolIcon(ToolIcon::Spectrum));
-  addLaterCommand(view, "mnuViewTraectoia", QStringLiteral("Траектория"))->setIcon(MakeToolIcon(ToolIcon::Traectoria));
-  addLaterCommand(view, "mnuViewFormaRotor", QStringLiteral("Форма ротора"))->setIcon(MakeToolIcon(ToolIcon::FormaRotor));
-  addLaterCommand(view, "mnuViewFormaRotorDiagram", QStringLiteral("Диаграмма формы ротора"))
-      ->setIcon(MakeToolIcon(ToolIcon::FormaRotorDiagram));
-  addLaterCommand(view, "mnuViewFormaRotorSpectr", QStringLiteral("Спектр формы ротора"))
-      ->setIcon(MakeToolIcon(ToolIcon::FormaRotorSpectr));
+  shaftViews_->addViewCommands(view);
   QAction* parameters = addToggle(view, "mnuViewParameters", QStringLiteral("Параметры"), &MainWindow::mnuViewParameters);
   parameters->setIcon(MakeToolIcon(ToolIcon::Parameters));
   view->addSeparator();
@@ -308,9 +305,9 @@ void MainWindow::buildToolbars() {
   button("Signal", "mnuViewSignal", ToolIcon::Signal, QStringLiteral("Сигнал"));
   button("Spectr", "mnuViewSpectr", ToolIcon::Spectr, QStringLiteral("Спектр"));
   button("Spectrum", "mnuViewSpectrum", ToolIcon::Spectrum, QStringLiteral("Каскад спектров"));
-  button("Traectoria", "mnuViewTraectoia", ToolIcon::Traectoria, QString());
-  button("FormaRotorDiagram", "mnuViewFormaRotorDiagram", ToolIcon::FormaRotorDiagram, QString());
-  button("FormaRotorSpectr", "mnuViewFormaRotorSpectr", ToolIcon::FormaRotorSpectr, QString());
+  button("Traectoria", "mnuViewTraectoria", ToolIcon::Traectoria, QStringLiteral("Траектория"));
+  button("FormaRotorDiagram", "mnuViewFormaRotorDiagram", ToolIcon::FormaRotorDiagram, QStringLiteral("Диаграмма формы ротора"));
+  button("FormaRotorSpectr", "mnuViewFormaRotorSpectr", ToolIcon::FormaRotorSpectr, QStringLiteral("Спектр формы ротора"));
   button("Parameters", "mnuViewParameters", ToolIcon::Parameters, QStringLiteral("Параметры"));
   button("ADC", "mnuHelpADC", ToolIcon::ADC, QStringLiteral("Информация АЦП"));
   toolbarMain_->addSeparator();

@@ -6,6 +6,7 @@
 #include "ui/common/Icons.h"
 #include "ui/acquisition/MeasurementRun.h"
 #include "ui/common/PanelBar.h"
+#include "ui/rotor/ShaftViews.h"
 #include "ui/signal/ParametersWindow.h"
 #include "ui/signal/SignalWindow.h"
 #include "core/ConfigKeys.h"
@@ -72,6 +73,12 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   mdi_->setObjectName(QStringLiteral("MDIArea"));
   setCentralWidget(mdi_);
   connect(mdi_, &QMdiArea::subWindowActivated, this, [this] { RefreshToolbarMainMenu(); });
+  ShaftViews::Hooks shaftHooks;
+  shaftHooks.openView = [this](int window) { return openView(window); };
+  shaftHooks.closeView = [this](int window) { closeView(window); };
+  shaftHooks.viewRefresh = [this] { ViewRefresh(false); };
+  shaftHooks.refreshToolbars = [this] { RefreshToolbarMainMenu(); };
+  shaftViews_ = std::make_unique<ShaftViews>(*this, prompts_, actions_, this, std::move(shaftHooks));
   buildMenus();
   buildToolbars();
   buildStatusBar();
@@ -100,6 +107,7 @@ MainWindow::~MainWindow() {
   delete parametersSub_.data();
   delete spectrSub_.data();
   delete cascadeSub_.data();
+  shaftViews_->closeAll();
   delete infoAdc_.data();
   delete digitalLines_.data();
 }
@@ -224,6 +232,7 @@ void MainWindow::RefreshToolbarMainMenu() {
   for (const auto& [name, enabled] : blockStates) action(QString::fromLatin1(name))->setEnabled(enabled && data);
   txtBlock_->setText(blocks.blockText);
   txtSolidBlockM_->setText(blocks.scaleText);
+  shaftViews_->refreshCommands(data);
   updateViewChecks();
 }
 
@@ -233,6 +242,7 @@ void MainWindow::updateViewChecks() {
   action(QStringLiteral("mnuViewSpectr"))->setChecked(spectrWindow() != nullptr);
   action(QStringLiteral("mnuViewSpectrum"))->setChecked(cascadeWindow() != nullptr);
   action(QStringLiteral("mnuHelpADC"))->setChecked(infoAdc_ != nullptr);
+  shaftViews_->updateChecks();
   const int style = s_.ViewStyle;
   for (int k = 0; k < kViewStyleCount; ++k) action(QStringLiteral("mnuViewStyle%1").arg(k))->setChecked(k == style);
 }
@@ -340,6 +350,7 @@ void MainWindow::ViewRefresh(bool cheap) {
     w->installRefresh(registry);
   }
   installSpectrumRefresh(registry);
+  shaftViews_->installRefresh(registry);
   if (ParametersWindow* w = parametersWindow()) {
     registry.parametersOpen = true;
     registry[views::RefreshStep::ParametersOutData] = [w] { w->OutData(); };

@@ -34,6 +34,7 @@ class MeasurementRun;
 class PanelBar;
 class SpectrWindow;
 class ParametersWindow;
+class ShaftViews;
 class SignalWindow;
 
 class MainWindow : public QMainWindow, public ViewHost {
@@ -81,6 +82,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   // Files dropped on the window (the drop handler's work, callable directly).
   bool dropFiles(const QStringList& paths);
   MeasurementRun* measurementRun() const { return run_; }
+  // The trajectory and rotor form windows.
+  ShaftViews* shaftViews() const { return shaftViews_.get(); }
 
   // ViewHost.
   AppState& state() override { return s_; }
@@ -171,6 +174,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   const Vocabulary& vocab_;
   const FileReaderTable& readers_;
   std::unique_ptr<views::AnalysisResults> analysis_;
+  std::unique_ptr<ShaftViews> shaftViews_;
 
   QMdiArea* mdi_ = nullptr;
   QPointer<QMdiSubWindow> signalSub_;

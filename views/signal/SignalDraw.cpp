@@ -4,6 +4,7 @@
 
 #include "core/Numeric.h"
 #include "core/ChannelPhysics.h"
+#include "views/DrawSupport.h"
 #include "views/signal/SignalEngine.h"
 #include "views/signal/SignalView.h"
 
@@ -17,28 +18,10 @@ namespace aqx::views {
 
 namespace {
 
-Pen MakePen(BgrColor color, int width = 1, DashStyle dash = DashStyle::Solid) {
-  Pen p;
-  p.color = color;
-  p.width = std::max(1, width);
-  p.dash = dash;
-  return p;
-}
-
 Pen InvertPen() {
   Pen p = MakePen(0xFFFFFF);
   p.xorMode = true;
   return p;
-}
-
-Text MakeText(int x, int y, const QString& text, BgrColor color, TextAnchor anchor = TextAnchor::TopLeft) {
-  Text t;
-  t.x = x;
-  t.y = y;
-  t.utf8 = text.toStdString();
-  t.color = color;
-  t.anchor = anchor;
-  return t;
 }
 
 // Level labels are plain decimal numbers: no exponent, no grouping.
