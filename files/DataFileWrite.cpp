@@ -54,6 +54,44 @@ bool WriteSamples(PlainFile& file, const AppState& s, const std::vector<int>& us
   return true;
 }
 
+// Bytes of a continuous recording moved per read and write.
+constexpr size_t kRowCopyBytes = size_t{1} << 20;
+
+// A continuous recording of an older layout has its rows right behind a
+// shorter header, which the current one would overwrite: the file is
+// written anew, header and rows, and replaces the old one only when whole.
+bool RewriteSolidFile(AppState& s, const QByteArray& header, Prompts& p) {
+  const QString target = s.PathFileData;
+  PlainFile in;
+  const int64_t fileBytes = in.openRead(target) ? in.size() : -1;
+  if (fileBytes < 0) {
+    TellSaveFailure(p, target, in.lastError(), true);
+    return false;
+  }
+  const int64_t rowBytes = std::max<int64_t>(0, fileBytes - s.SolidDataStart);
+  const auto headerBytes = static_cast<int64_t>(header.size());
+  PlainFile out;
+  bool written = out.createReplacementFor(target) && out.reserve(headerBytes + rowBytes) &&
+                 out.writeAt(0, std::span(header.constData(), static_cast<size_t>(header.size())));
+  std::vector<char> piece(static_cast<size_t>(std::min<int64_t>(rowBytes, kRowCopyBytes)));
+  for (int64_t done = 0; written && done < rowBytes;) {
+    const std::span chunk(piece.data(), static_cast<size_t>(std::min<int64_t>(rowBytes - done, kRowCopyBytes)));
+    if (!in.readAt(s.SolidDataStart + done, chunk)) {
+      TellSaveFailure(p, target, in.lastError(), true);
+      return false;
+    }
+    written = out.writeAt(headerBytes + done, chunk);
+    done += static_cast<int64_t>(chunk.size());
+  }
+  if (!written || !out.commit()) {
+    TellSaveFailure(p, target, out.lastError(), true);
+    return false;
+  }
+  s.SolidDataStart = static_cast<int32_t>(headerBytes);
+  TakeProgramVersion(s);
+  return true;
+}
+
 }  // namespace
 
 QByteArray BuildFileHeaderBytes(const AppState& s) {
@@ -116,8 +154,13 @@ bool WriteDataFile(AppState& s, Prompts& p) {
 
 bool SaveDataFileCommand(AppState& s, Prompts& p) {
   if (s.SolidMode) {
-    // The samples are on disk already; only the header is renewed.
-    if (!WriteFileHeader(s, s.PathFileData, p)) return false;
+    // The samples are on disk already; only the header is renewed, in
+    // place when the rows begin where the current header ends (or where
+    // this program put them, when no file told otherwise).
+    const QByteArray header = BuildFileHeaderBytes(s);
+    const bool inPlace = s.SolidDataStart == 0 || s.SolidDataStart == header.size();
+    const bool saved = inPlace ? WriteFileHeader(s, s.PathFileData, p) : RewriteSolidFile(s, header, p);
+    if (!saved) return false;
     s.DataSaved = true;
     return true;
   }

@@ -64,6 +64,12 @@ extern "C" int32_t ReadSolidBlock(int32_t SignalDataN, int32_t ChannelUsedCount,
       fstat(fd, &st) == 0 && rowBytes > 0
           ? std::max<int64_t>(0, (static_cast<int64_t>(st.st_size) - offset) / rowBytes)
           : 0;
+  // A recording of no channel has rows of no bytes: nothing to place, and
+  // no stride to count pieces by.
+  if (rowBytes == 0) {
+    close(fd);
+    return kOk;
+  }
   const int64_t strideBytes = scale * rowBytes;
   const bool dense = strideBytes <= kDenseStrideBytes;
   std::vector<char> piece;

@@ -99,6 +99,17 @@ TEST(SolidBlockRead, TornLastRowAndDifferentialConnection) {
   std::remove(path.c_str());
 }
 
+TEST(SolidBlockRead, ARecordingOfNoChannelReadsNothing) {
+  const std::string path = MakeSolidFile("solid-none.aqx", 100, 14173);
+  auto store = MakeStore(kSentinel, 257);
+  const std::array<int32_t, 32> off{};
+  for (const int32_t scale : {1, 4})
+    ASSERT_EQ(ReadSolidBlock(256, 0, 14173, 1, path.c_str(), 0, off.data(), store.get(), scale), 0);
+  for (int64_t i = 0; i <= 256; ++i)
+    for (int c = 1; c <= 32; ++c) ASSERT_EQ(At(store.get(), i, c), kSentinel) << "row " << i << " channel " << c;
+  std::remove(path.c_str());
+}
+
 TEST(SolidBlockRead, FailuresHaveTheirNumbers) {
   EnvScope env;
   const std::string path = MakeSolidFile("solid5.aqx", 100, 14173);

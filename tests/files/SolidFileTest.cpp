@@ -17,15 +17,19 @@ using aqx::testing::FileBytes;
 namespace {
 
 constexpr size_t kHeader = 14173;
+// Layout 11, the first with continuous recordings, has no markers.
+constexpr size_t kHeaderOfLayout11 = 7169;
 
 int16_t Code(int64_t row, int k) { return static_cast<int16_t>(row * 3 + k); }
 
-// A continuous recording of the current layout: channels 2, 5 and 9 on (or
-// channel 1 alone), FreqADC 30000, `rows` rows behind the 14173 header bytes.
-QByteArray SolidFile(int64_t rows, bool oneChannel = false) {
+// A continuous recording of the current layout (or layout 11): channels 2, 5
+// and 9 on (or channel 1 alone), FreqADC 30000, `rows` rows behind the
+// 14173 (7169) header bytes. The fields filled lie at the same offsets in both.
+QByteArray SolidFile(int64_t rows, bool oneChannel = false, int minor = 12) {
   const int used = oneChannel ? 1 : 3;
-  FileBytes b(kHeader + static_cast<size_t>(rows * used * 2));
-  b.magic().version(1, 12);
+  const size_t header = minor == 11 ? kHeaderOfLayout11 : kHeader;
+  FileBytes b(header + static_cast<size_t>(rows * used * 2));
+  b.magic().version(1, minor);
   b.i32(22, 40).i32(26, 50).i32(30, 16);  // Polus, FreqSety, NumberRotorRecord
   if (oneChannel) {
     b.i32(202, 1);
@@ -36,7 +40,7 @@ QByteArray SolidFile(int64_t rows, bool oneChannel = false) {
   b.i32(6094, 32768).i32(6110, 32).i32(6114, 1000);
   b.i16(6138, -1).i32(6165, 30000);
   for (int64_t r = 0; r < rows; ++r)
-    for (int k = 0; k < used; ++k) b.i16(kHeader + static_cast<size_t>((r * used + k) * 2), Code(r, k));
+    for (int k = 0; k < used; ++k) b.i16(header + static_cast<size_t>((r * used + k) * 2), Code(r, k));
   return b.bytes();
 }
 
@@ -158,6 +162,32 @@ TEST_F(SolidFileTest, ShortFileIsOneBlockOfTheNextPowerOfTwo) {
   EXPECT_EQ(f.samplesPerChannel, 1000);
   EXPECT_EQ(f.blockCount, 1);
   EXPECT_DOUBLE_EQ(f.recordSeconds, 0.1);
+}
+
+TEST_F(SolidFileTest, SavingTheHeaderOfAnOlderLayoutKeepsEveryRow) {
+  open(SolidFile(1000, false, 11));
+  ASSERT_EQ(s.SolidDataStart, static_cast<int32_t>(kHeaderOfLayout11));
+  s.object.Station = QStringLiteral("Нижне-Бурейская");
+  ASSERT_TRUE(SaveDataFileCommand(s, prompts)) << prompts.lastMessage().toStdString();
+
+  // Now a file of the current layout: the header, then the same rows.
+  const QByteArray saved = aqx::testing::ReadFile(s.PathFileData);
+  ASSERT_EQ(saved.size(), static_cast<qsizetype>(kHeader + 1000 * 3 * 2));
+  EXPECT_EQ(aqx::testing::I32At(saved, 14), 12);
+  EXPECT_EQ(aqx::testing::TextAt(saved, 70, 15), QStringLiteral("Нижне-Бурейская"));
+  for (int64_t r = 0; r < 1000; ++r)
+    for (int k = 0; k < 3; ++k)
+      ASSERT_EQ(aqx::testing::I16At(saved, kHeader + static_cast<size_t>((r * 3 + k) * 2)), Code(r, k))
+          << "row " << r << " channel " << k;
+  EXPECT_EQ(s.SolidDataStart, static_cast<int32_t>(kHeader));
+
+  // And it opens with the same rows, and saves in place from now on.
+  ASSERT_TRUE(ReadDataFile(s, prompts));
+  EXPECT_EQ(s.SolidDataStart, static_cast<int32_t>(kHeader));
+  EXPECT_EQ(s.SignalData.at(1, 2), Code(0, 0));
+  EXPECT_EQ(s.SignalData.at(1000, 9), Code(999, 2));
+  ASSERT_TRUE(SaveDataFileCommand(s, prompts));
+  EXPECT_EQ(aqx::testing::ReadFile(s.PathFileData).size(), saved.size());
 }
 
 TEST_F(SolidFileTest, ExactlyOneMebisampleIsOneBlockAndOneMoreIsTwo) {
