@@ -76,8 +76,8 @@ struct Bench {
   int64_t panels = 0;
 
   explicit Bench(int samples, int overlaid = 1) : s(Recording(samples, overlaid)) {
-    v.W = kWidthPx;
-    v.H = kHeightPx;
+    v.widthPx = kWidthPx;
+    v.heightPx = kHeightPx;
     views::InitSignalView(*s, v);
     views::ConfigSliderH(*s, v);
     registry.runOn = true;  // no notice window in a benchmark

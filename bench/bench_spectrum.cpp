@@ -75,8 +75,8 @@ void BM_ViewRefreshSpectr(benchmark::State& state) {
   s->ViewOpenFlags[frmViewSpectr] = true;
   auto r = std::make_unique<views::AnalysisResults>();
   views::SpectrViewState v;
-  v.W = kWidthPx;
-  v.H = kHeightPx;
+  v.widthPx = kWidthPx;
+  v.heightPx = kHeightPx;
   QImage image(kWidthPx, kHeightPx, QImage::Format_RGB32);
   const QFont font = ui::DefaultViewFont();
   const ui::QtFontMetrics metrics(font);
@@ -122,8 +122,8 @@ void BM_ViewRefreshCascade(benchmark::State& state) {
   auto s = Recording();
   s->ViewOpenFlags[frmViewSpectrum] = true;
   views::CascadeViewState v;
-  v.W = kWidthPx;
-  v.H = kHeightPx;
+  v.widthPx = kWidthPx;
+  v.heightPx = kHeightPx;
   v.CascadeN = kParts;
   views::PlaceCorner(v, 0.0, 0.0);
   QImage image(kWidthPx, kHeightPx, QImage::Format_RGB32);

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <memory>
 
 namespace aqx {
 
@@ -236,11 +237,18 @@ const SettingKey* FindSettingKey(const QString& section, const QString& key) {
 bool SettingTextAccepted(const QString& section, const QString& key, const QString& text,
                          const QLocale& locale) {
   const SettingKey* k = FindSettingKey(section, key);
-  const bool ranged = k && (k->minValue != std::numeric_limits<int32_t>::min() ||
-                            k->maxValue != std::numeric_limits<int32_t>::max());
-  if (!ranged) return true;
-  const auto v = ParseSettingInt(text, locale);
-  return v && *v >= k->minValue && *v <= k->maxValue;
+  if (!k) return true;  // a key of no field: kept as text
+  // The field's kind decides what text it takes; a scratch state tells it.
+  const auto scratch = std::make_unique<AppState>();
+  const SettingField field = k->field(*scratch);
+  if (std::holds_alternative<int32_t*>(field)) {
+    const auto v = ParseSettingInt(text, locale);
+    return v && *v >= k->minValue && *v <= k->maxValue;
+  }
+  if (std::holds_alternative<bool*>(field)) return ParseSettingBool(text, locale).has_value();
+  if (std::holds_alternative<float*>(field) || std::holds_alternative<double*>(field))
+    return ParseSettingDouble(text, locale).has_value();
+  return true;
 }
 
 QString DefaultSettingText(const char* defaultText, const QLocale& locale) {

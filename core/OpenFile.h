@@ -6,7 +6,7 @@
 // belong to windows or the engine are hooks, empty until those are present.
 
 #include "core/AppState.h"
-#include "core/FileReaders.h"
+#include "core/ReaderTable.h"
 #include "core/Prompts.h"
 #include "core/Settings.h"
 

@@ -32,7 +32,7 @@ void MainLoad(OpenFileContext& ctx);
 // quotes loses them.
 QString StartFileFromCommandLine(const QString& commandLine);
 
-// Start step 7: a file named on the command line is loaded if it exists and
+// At start, a file named on the command line is loaded if it exists and
 // ignored silently if not (the last file is then not tried either). With an
 // empty command line and FileLastLoad on, the stored PathFileData is loaded
 // if it exists. True when a file was loaded.

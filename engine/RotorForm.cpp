@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <complex>
 #include <vector>
 
@@ -136,17 +137,40 @@ double PoleOffset(const std::vector<double>& emf, const std::vector<Revolution>&
   const double periods = poles / 2.0;
   std::complex<double> offsetSum = 0.0;
   for (const Revolution& rev : revolutions) {
-    std::complex<double> c = 0.0;
+    // The phasor turns by a fixed step per sample; it is set afresh every
+    // kReanchorSamples so that the rounding of the products cannot build up.
+    constexpr int32_t kReanchorSamples = 512;
+    const double radiansPerSample = -2.0 * kPi * periods / rev.length;
+    const double stepRe = std::cos(radiansPerSample);
+    const double stepIm = std::sin(radiansPerSample);
+    double sumRe = 0.0;
+    double sumIm = 0.0;
+    double turnRe = 1.0;
+    double turnIm = 0.0;
     for (int32_t j = 0; j < rev.length; ++j) {
-      c += (emf[static_cast<size_t>(rev.start + j)] - mean) *
-           std::polar(1.0, -2.0 * kPi * periods * j / rev.length);
+      if (j % kReanchorSamples == 0) {
+        turnRe = std::cos(radiansPerSample * j);
+        turnIm = std::sin(radiansPerSample * j);
+      }
+      const double v = emf[static_cast<size_t>(rev.start + j)] - mean;
+      sumRe += v * turnRe;
+      sumIm += v * turnIm;
+      const double nextRe = turnRe * stepRe - turnIm * stepIm;
+      turnIm = turnRe * stepIm + turnIm * stepRe;
+      turnRe = nextRe;
     }
+    const std::complex<double> c(sumRe, sumIm);
     const double lag = -std::arg(c);  // the wave is cos(2*pi*periods*j/L - lag)
     offsetSum += std::polar(1.0, 2.0 * (lag + kPi / 2.0));
   }
   double offset = std::arg(offsetSum) / (2.0 * kPi);
   if (offset < 0.0) offset += 1.0;
-  return offset;
+  // A wave that crosses zero exactly on a sample leaves the phase a rounding
+  // error either side of a whole boundary; on a fixed grid the boundaries
+  // do not move with the last bit of the sums.
+  constexpr double kOffsetGrid = 1e9;
+  const double snapped = std::round(offset * kOffsetGrid) / kOffsetGrid;
+  return snapped >= 1.0 ? 0.0 : snapped;
 }
 
 // The single forms: pole p of a revolution covers [bounds[p], bounds[p+1])

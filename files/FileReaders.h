@@ -2,7 +2,7 @@
 // The readers of every file type the program opens, by extension, for
 // OpenFile, the tool and the protocol master.
 
-#include "core/FileReaders.h"
+#include "core/ReaderTable.h"
 
 namespace aqx {
 

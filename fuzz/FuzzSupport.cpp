@@ -1,6 +1,6 @@
 #include "fuzz/FuzzSupport.h"
 
-#include "core/FileReaders.h"
+#include "core/ReaderTable.h"
 #include "files/DataFile.h"
 #include "files/FileReaders.h"
 

@@ -7,7 +7,7 @@
 // apart from the engine and from any workbook writer.
 
 #include "core/AppState.h"
-#include "core/FileReaders.h"
+#include "core/ReaderTable.h"
 #include "core/Prompts.h"
 #include "views/Analysis.h"
 

@@ -128,8 +128,8 @@ int RunRender(ToolContext& ctx) {
   const int shown = ChooseChannel(s, *channel);
 
   views::SignalViewState view;
-  view.W = *width;
-  view.H = *height;
+  view.widthPx = *width;
+  view.heightPx = *height;
   views::InitSignalView(s, view);
   ShowStretch(s, view, *first, *last);
   auto analysis = std::make_unique<views::AnalysisResults>();
@@ -145,8 +145,8 @@ int RunRender(ToolContext& ctx) {
   const views::SignalStatus status = views::OutInfoToStatusBar(s, view);
   Print(ctx.out, QStringLiteral("%1: %2 x %3, channel %4, samples %5 - %6 of %7\n")
                      .arg(output)
-                     .arg(view.W)
-                     .arg(view.H)
+                     .arg(view.widthPx)
+                     .arg(view.heightPx)
                      .arg(shown)
                      .arg(s.ViewFirst)
                      .arg(s.ViewLast)
@@ -160,7 +160,7 @@ int RunRender(ToolContext& ctx) {
   if (shown != 0) {
     views::AccountChannelSpectrum(s, *analysis, shown);
     views::AccountChannelProbeValues(s, *analysis);
-    const views::ParameterBar bar = views::OutStatusBarParameter(s, view, *analysis, view.W);
+    const views::ParameterBar bar = views::OutStatusBarParameter(s, view, *analysis, view.widthPx);
     if (!bar.panels.empty()) Print(ctx.out, view.ChannelParameterText[shown] + QLatin1Char('\n'));
   }
   return kExitOk;

@@ -59,8 +59,8 @@ int RenderTrajectory(ToolContext& ctx, AppState& s, int widthPx, int heightPx, c
   const views::TraectoriaStatus st = views::OutInfoToStatusBar(s, v);
   Print(ctx.out, QStringLiteral("%1: %2 x %3, %4, channels %5 and %6\n")
                      .arg(output)
-                     .arg(v.W)
-                     .arg(v.H)
+                     .arg(v.widthPx)
+                     .arg(v.heightPx)
                      .arg(v.Caption)
                      .arg(v.ChannelX)
                      .arg(v.ChannelY));
@@ -75,8 +75,8 @@ int RenderForma(ToolContext& ctx, AppState& s, const QString& kind, int widthPx,
   const auto form = IntOption(ctx.args, QStringLiteral("--form"), 0, 0, results->FormaRotorN);
   if (!form) return kExitRefused;
   views::FormaViewState v;
-  v.W = widthPx;
-  v.H = heightPx;
+  v.widthPx = widthPx;
+  v.heightPx = heightPx;
   v.HScroll = *form;
   views::InitFormaData(*results, v);
   const views::DrawList picture = kind == QStringLiteral("rotor-form")      ? views::DrawFormaRotor(s, *results, v, fm)
@@ -86,8 +86,8 @@ int RenderForma(ToolContext& ctx, AppState& s, const QString& kind, int widthPx,
   const views::FormaStatus st = views::PrintToStatusbar(*results, v.HScroll);
   Print(ctx.out, QStringLiteral("%1: %2 x %3, %4 of %5, %6 poles, distortion %7, %8\n")
                      .arg(output)
-                     .arg(v.W)
-                     .arg(v.H)
+                     .arg(v.widthPx)
+                     .arg(v.heightPx)
                      .arg(st.Form)
                      .arg(results->FormaRotorN)
                      .arg(results->Polus)

@@ -28,16 +28,16 @@ int RunRenderSpectrum(ToolContext& ctx, const QStringList& positionals) {
   views::DrawList picture;
   if (cascade) {
     views::CascadeViewState v;
-    v.W = *width;
-    v.H = *height;
+    v.widthPx = *width;
+    v.heightPx = *height;
     v.CascadeN = *parts;
     views::PlaceCorner(v, 0.0, 0.0);
     views::PrepareCascade(s, v);
     picture = views::DrawCascade(s, v);
     Print(ctx.out, QStringLiteral("%1: %2 x %3, channel %4, %5\n")
                        .arg(positionals[2])
-                       .arg(v.W)
-                       .arg(v.H)
+                       .arg(v.widthPx)
+                       .arg(v.heightPx)
                        .arg(request.channel)
                        .arg(views::CascadeCaption(v.CascadeN)));
   } else {
@@ -45,14 +45,14 @@ int RunRenderSpectrum(ToolContext& ctx, const QStringList& positionals) {
     views::AccountChannelSpectrum(s, *r, request.channel);
     views::AccountChannelProbeValues(s, *r);
     views::SpectrViewState v;
-    v.W = *width;
-    v.H = *height;
+    v.widthPx = *width;
+    v.heightPx = *height;
     picture = views::BuildSpectr(s, v, *r, font.metrics());
     const views::SpectrStatus status = views::OutInfoToStatusBar(s, v);
     QString line;
     for (const QString& text : status.text) line += text;
-    Print(ctx.out, QStringLiteral("%1: %2 x %3, channel %4\n%5\n").arg(positionals[2]).arg(v.W).arg(v.H).arg(request.channel).arg(line));
-    for (const views::ParameterPanel& p : views::OutSpectrStatusBarParameter(s, *r, v.W).panels) Print(ctx.out, p.text + QLatin1Char('\n'));
+    Print(ctx.out, QStringLiteral("%1: %2 x %3, channel %4\n%5\n").arg(positionals[2]).arg(v.widthPx).arg(v.heightPx).arg(request.channel).arg(line));
+    for (const views::ParameterPanel& p : views::OutSpectrStatusBarParameter(s, *r, v.widthPx).panels) Print(ctx.out, p.text + QLatin1Char('\n'));
   }
   return SavePicture(picture, positionals[2]) ? kExitOk : kExitFailure;
 }

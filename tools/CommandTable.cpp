@@ -1,23 +1,8 @@
-#include "tools/ToolCommand.h"
+#include "tools/Commands.h"
 
 namespace aqx::tool {
 
-// One declaration and one row per command.
-int RunVersion(ToolContext& ctx);
-int RunRender(ToolContext& ctx);
-int RunInfo(ToolContext& ctx);
-int RunDump(ToolContext& ctx);
-int RunConvert(ToolContext& ctx);
-int RunExportWav(ToolContext& ctx);
-int RunConfig(ToolContext& ctx);
-int RunDemo(ToolContext& ctx);
-int RunRecord(ToolContext& ctx);
-int RunProtocol(ToolContext& ctx);
-int RunProtocolMaster(ToolContext& ctx);
-int RunProtocolTemplate(ToolContext& ctx);
-int RunSpectrum(ToolContext& ctx);
-int RunRotorForm(ToolContext& ctx);
-
+// One row per command; the functions are declared in tools/Commands.h.
 namespace {
 const ToolCommand kCommands[] = {
     {"version", "version                      program version", RunVersion},

@@ -14,7 +14,7 @@
 namespace aqx::views {
 
 // The steps, in their order. Each step runs the registry's action of that name;
-// the engine steps are filled by InstallEngineSteps (views/EngineSteps.h).
+// the engine steps are filled by InstallEngineSteps (views/Analysis.h).
 enum class RefreshStep {
   ShowNotice,               // "Подождите, идет обработка данных ..."
   SpectrumFirst,            // engine: AccountSpectrFull of FirstChannelActive

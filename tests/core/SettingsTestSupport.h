@@ -4,7 +4,7 @@
 // the state the way a real reader would.
 
 #include "core/AppState.h"
-#include "core/FileReaders.h"
+#include "core/ReaderTable.h"
 #include "core/Prompts.h"
 
 #include <QByteArray>

@@ -3,6 +3,7 @@
 #include "engine/Aquilonix.h"
 #include "files/ContinuousRecording.h"
 #include "files/DataFile.h"
+#include "tools/Commands.h"
 #include "tools/ToolCommand.h"
 #include "tests/tools/ToolTestSupport.h"
 #include "views/rotor/RotorForm.h"
@@ -22,10 +23,6 @@
 #include <sys/resource.h>
 
 namespace aqx::tool {
-
-int RunDemo(ToolContext& ctx);
-int RunRecord(ToolContext& ctx);
-int RunInfo(ToolContext& ctx);
 
 namespace {
 

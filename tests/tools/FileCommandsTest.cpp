@@ -1,8 +1,13 @@
-// info, dump and convert of aquilonix-tool on recordings written here.
+// info, dump, convert and export-wav of aquilonix-tool on recordings written here.
 #include "files/DataFile.h"
-#include "tools/ToolCommand.h"
+#include "files/Wave.h"
 #include "tests/tools/ToolTestSupport.h"
+#include "tools/Commands.h"
+#include "tools/ToolCommand.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -15,10 +20,6 @@
 #include <memory>
 
 namespace aqx::tool {
-
-int RunInfo(ToolContext& ctx);
-int RunDump(ToolContext& ctx);
-int RunConvert(ToolContext& ctx);
 
 namespace {
 
@@ -131,6 +132,32 @@ TEST_F(FileCommands, ConvertWritesTheCurrentLayout) {
   EXPECT_EQ(out, QStringLiteral("-5\n7\n"));
   EXPECT_EQ(Run(RunConvert, {f.fileName(), path(QStringLiteral("no/such/new.aqx"))}), kExitFailure);
   EXPECT_EQ(prompts.messages().back().title, QStringLiteral("Сохранение"));
+}
+
+TEST_F(FileCommands, ExportWavWritesTheRecordedChannelsOrNothing) {
+  const QString file = WriteRecording();
+  const QString wav = path(QStringLiteral("out.wav"));
+  ASSERT_EQ(Run(RunExportWav, {file, wav}), kExitOk);
+  QFile written(wav);
+  ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+  const QByteArray bytes = written.readAll();
+  WaveContents contents;
+  QString refusal;
+  ASSERT_TRUE(ParseWave(std::span<const char>(bytes.constData(), static_cast<size_t>(bytes.size())), contents,
+                        refusal))
+      << refusal.toStdString();
+  EXPECT_EQ(contents.channels, 2);
+  EXPECT_EQ(contents.frameCount, 100u);
+  int16_t first[2] = {};
+  std::memcpy(first, bytes.constData() + contents.dataOffset, sizeof first);
+  EXPECT_EQ(first[0], -49);
+  EXPECT_EQ(first[1], -8191);
+
+  EXPECT_EQ(Run(RunExportWav, {file}), kExitRefused);
+  EXPECT_EQ(Run(RunExportWav, {path(QStringLiteral("notes.txt")), wav}), kExitRefused);
+  EXPECT_EQ(Run(RunExportWav, {file, path(QStringLiteral("no/such/out.wav"))}), kExitFailure);
+  EXPECT_FALSE(QFileInfo::exists(path(QStringLiteral("no/such/out.wav"))));
+  EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 2);  // no temporary left behind
 }
 
 }  // namespace

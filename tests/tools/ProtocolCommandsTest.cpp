@@ -2,6 +2,7 @@
 // recordings written here.
 #include "tests/reports/ReportTestSupport.h"
 #include "tests/tools/ToolTestSupport.h"
+#include "tools/Commands.h"
 #include "tools/ToolCommand.h"
 
 #include <QDir>
@@ -11,10 +12,6 @@
 #include <gtest/gtest.h>
 
 namespace aqx::tool {
-
-int RunProtocol(ToolContext& ctx);
-int RunProtocolMaster(ToolContext& ctx);
-int RunProtocolTemplate(ToolContext& ctx);
 
 namespace {
 

@@ -3,6 +3,7 @@
 // told without touching the recording.
 #include "files/DataFile.h"
 #include "tests/tools/ToolTestSupport.h"
+#include "tools/Commands.h"
 #include "tests/views/RotorTestSupport.h"
 
 #include <QCryptographicHash>
@@ -16,8 +17,6 @@
 #include <gtest/gtest.h>
 
 namespace aqx::tool {
-
-int RunRotorForm(ToolContext& ctx);
 
 namespace {
 

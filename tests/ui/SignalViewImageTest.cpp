@@ -86,8 +86,8 @@ std::unique_ptr<AppState> Recording(int samples) {
 
 SignalViewState View(AppState& s, int w, int h) {
   SignalViewState v;
-  v.W = w;
-  v.H = h;
+  v.widthPx = w;
+  v.heightPx = h;
   InitSignalView(s, v);
   ConfigSliderH(s, v);
   return v;

@@ -94,7 +94,7 @@ TEST_F(SignalWindowTest, WithoutCursorAClickClearsAndADragPans) {
   const int before = w.state->ViewFirst;
   drag(picture->width() * 0.8, picture->width() * 0.2, 100);
   EXPECT_GT(w.state->ViewFirst, before);
-  EXPECT_EQ(view->hScroll()->value(), view->viewState().HScroll1);
+  EXPECT_EQ(view->hScroll()->value(), view->viewState().timeScroll);
 }
 
 TEST_F(SignalWindowTest, CursorsReadTimeAndValue) {

@@ -84,10 +84,10 @@ TEST_F(SpectrumWindowsTest, CascadeButtonsStopAtTheirLimitsAndTheCornerIsSaved) 
   EXPECT_EQ(cascade->viewState().CascadeN, 2);
   EXPECT_FALSE(cascade->minusAction()->isEnabled());
   const views::CascadeViewState& v = cascade->viewState();
-  cascade->pictureMousePress(Qt::LeftButton, QPointF(v.W / 2.0, v.H / 2.0));
+  cascade->pictureMousePress(Qt::LeftButton, QPointF(v.widthPx / 2.0, v.heightPx / 2.0));
   cascade->pictureMouseMove(QPointF(10, 10), true);  // too near the edge: not taken
   cascade->pictureMouseRelease();
-  EXPECT_EQ(v.Xc, v.W / 2);
+  EXPECT_EQ(v.Xc, v.widthPx / 2);
   EXPECT_FALSE(w.store.get(QStringLiteral("Traectoria"), QStringLiteral("Xc"), {}).isEmpty());
 }
 

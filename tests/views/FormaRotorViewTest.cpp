@@ -29,8 +29,8 @@ double HighPole(int pole) { return pole == kHighPole ? 1.05 * (kPoles - 1) / (kP
 
 FormaViewState ViewOf(int w, int h, int form = 0) {
   FormaViewState v;
-  v.W = w;
-  v.H = h;
+  v.widthPx = w;
+  v.heightPx = h;
   v.HScroll = form;
   return v;
 }

@@ -239,13 +239,13 @@ TEST_F(DcRecording, SelectionIsAnInvertedFullHeightBoxOrALineWhenNarrow) {
 }
 
 TEST_F(DcRecording, PictureBelowFiftyPixelsIsNotDrawn) {
-  v.W = 49;
+  v.widthPx = 49;
   EXPECT_TRUE(Draw(*s, v).items.empty());
-  v.W = kW;
-  v.H = 10;
+  v.widthPx = kW;
+  v.heightPx = 10;
   EXPECT_TRUE(Draw(*s, v).items.empty());
-  v.H = 0;
-  v.W = 0;
+  v.heightPx = 0;
+  v.widthPx = 0;
   EXPECT_TRUE(BuildSignal(*s, v, FontMetrics{}).items.empty());
 }
 

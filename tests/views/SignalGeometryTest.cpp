@@ -41,17 +41,17 @@ TEST(ScrollAndZoom, ScrollStepReachesTheWholeStoreWithA16BitBar) {
 TEST(ScrollAndZoom, ConfigSliderHShowsTheWholeStoreAndZoomedKeepsTheCentre) {
   auto s = MakeState(32768);
   SignalViewState v = ViewOf(*s, 800, 400);
-  EXPECT_EQ(v.HScroll1, 1);
-  EXPECT_EQ(v.HScrollMax, 1);
+  EXPECT_EQ(v.timeScroll, 1);
+  EXPECT_EQ(v.timeScrollMax, 1);
   EXPECT_EQ(s->ViewFirst, 1);
   EXPECT_EQ(s->ViewLast, 32768);
   EXPECT_EQ(v.SliderHToolTip, QStringLiteral("Масштаб: 1:1"));
   v.SliderH = 2;  // a quarter in view: 8192 samples
   v.CentreSample = 16384;
   ConfigSliderH(*s, v);
-  EXPECT_EQ(v.HScrollMax, 32768 - 8192);
-  EXPECT_EQ(v.HScrollLargeChange, 8192);
-  EXPECT_EQ(v.HScroll1, 16384 - 4096 + 1);
+  EXPECT_EQ(v.timeScrollMax, 32768 - 8192);
+  EXPECT_EQ(v.timeScrollLargeChange, 8192);
+  EXPECT_EQ(v.timeScroll, 16384 - 4096 + 1);
   EXPECT_EQ(s->ViewFirst, 12289);
   EXPECT_EQ(s->ViewLast, 12289 + 8191);
   EXPECT_EQ(v.SliderHToolTip, QStringLiteral("Масштаб: 4:1"));
@@ -64,7 +64,7 @@ TEST(ScrollAndZoom, ConfigSliderHOnTheLargestStoreAtDeepestZoom) {
   v.SliderH = v.SliderHMax;  // 2 samples in view
   v.CentreSample = kMaxSamples;
   ConfigSliderH(*s, v);
-  EXPECT_EQ(v.HScroll1, 32767);  // held to the bar's top
+  EXPECT_EQ(v.timeScroll, 32767);  // held to the bar's top
   EXPECT_GE(s->ViewFirst, 1);
   EXPECT_LE(s->ViewLast, kMaxSamples);
   EXPECT_EQ(s->ViewLast - s->ViewFirst, 1);

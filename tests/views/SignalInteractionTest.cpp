@@ -70,11 +70,11 @@ TEST_F(Interaction, WithoutCursorALeftClickClearsTheSelectionAndADragPans) {
 
   SliderHChanged(*s, v, 1, false);  // half the store in view
   PrepareAndDraw(*s, v, FontMetrics{});
-  const int before = v.HScroll1;
+  const int before = v.timeScroll;
   MouseDown(*s, v, MouseButton::Left, 100, 50);
   a = MouseMove(*s, v, 80, 55, true);  // 20 px left: 5 samples later
   EXPECT_TRUE(a.redraw);
-  EXPECT_EQ(v.HScroll1, before + 5);
+  EXPECT_EQ(v.timeScroll, before + 5);
   EXPECT_EQ(s->ViewFirst, (before + 5) * v.ScrollStep);
   EXPECT_EQ(s->channels.ChannelY[1], 55);  // the zero line follows down
   EXPECT_EQ(v.DragX, 80);
@@ -149,7 +149,7 @@ TEST_F(Interaction, ScrollBarMovesTheViewAndAFinishedChangeRefreshesAll) {
   EXPECT_EQ(s->ViewFirst, 1);
   EXPECT_TRUE(a.viewRefresh);
   a = HScrollChanged(*s, v, 100000, true);
-  EXPECT_EQ(v.HScroll1, v.HScrollMax);
+  EXPECT_EQ(v.timeScroll, v.timeScrollMax);
 }
 
 TEST_F(Interaction, AmplitudeSliderSetsTheScaleOrAuto) {
@@ -247,7 +247,7 @@ TEST(SignalControls, ControlsFollowANewCurrentChannel) {
   EXPECT_EQ(s->channels.ChannelY[2], 50);
   ResetValueElements(v);
   EXPECT_EQ(v.SliderH, 0);
-  EXPECT_EQ(v.HScroll1, 1);
+  EXPECT_EQ(v.timeScroll, 1);
 }
 
 // Zoom round the pointer, a zoom box, the way back and the whole record.

@@ -68,8 +68,8 @@ inline views::DrawList PrepareAndDraw(AppState& s, views::SignalViewState& v, co
 
 inline views::SignalViewState ViewOf(AppState& s, int w, int h) {
   views::SignalViewState v;
-  v.W = w;
-  v.H = h;
+  v.widthPx = w;
+  v.heightPx = h;
   views::InitSignalView(s, v);
   views::ConfigSliderH(s, v);
   return v;

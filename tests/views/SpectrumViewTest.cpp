@@ -76,8 +76,8 @@ struct SpectrFixture {
     for (int i = 1; i <= 4096; ++i)
       s->SignalData.at(i, 1) = static_cast<int16_t>(std::lround(40 * std::sin(2 * std::numbers::pi * hz * (i - 1) / 1000.0)));
     views::AccountChannelSpectrum(*s, *r, 1);
-    v.W = 740;
-    v.H = 300;
+    v.widthPx = 740;
+    v.heightPx = 300;
   }
   views::DrawList draw() { return views::BuildSpectr(*s, v, *r, fm); }
 };
@@ -138,7 +138,7 @@ TEST(SpectrumPicture, MarkerChannelsAndEvaluationCurves) {
   const views::DrawList marker = f.draw();
   EXPECT_TRUE(TracesOf(marker).empty());
   EXPECT_FALSE(LinesOf(marker, kGrid).empty());
-  f.v.W = 40;
+  f.v.widthPx = 40;
   EXPECT_TRUE(f.draw().items.empty());
 }
 
@@ -180,7 +180,7 @@ TEST(SpectrumPanels, TheCrossHairReadsFrequencyAmplitudeAndHarmonic) {
   f.s->FreqOneGarmonic = 10.0;
   f.s->options.spectr.Cursor = 1;  // bound: snaps onto the tone's line
   f.draw();
-  const double x = *FrequencyToX(20.2, f.v.W, 28);
+  const double x = *FrequencyToX(20.2, f.v.widthPx, 28);
   const views::SpectrAction a = views::SpectrMouseMove(*f.s, f.v, *f.r, x, 10);
   EXPECT_TRUE(a.crosshair);
   EXPECT_DOUBLE_EQ(f.v.CursorFrequency, 82 * 1000.0 / 4096);
@@ -188,7 +188,7 @@ TEST(SpectrumPanels, TheCrossHairReadsFrequencyAmplitudeAndHarmonic) {
   EXPECT_TRUE(f.v.LevelText.startsWith(QStringLiteral("L: 80.0"))) << f.v.LevelText.toStdString();
   EXPECT_TRUE(f.v.LevelText.contains(QStringLiteral(" мкм / ")));
   f.s->options.spectr.Cursor = 0;
-  views::SpectrMouseMove(*f.s, f.v, *f.r, *FrequencyToX(25.0, f.v.W, 28), 10);
+  views::SpectrMouseMove(*f.s, f.v, *f.r, *FrequencyToX(25.0, f.v.widthPx, 28), 10);
   EXPECT_EQ(f.v.CursorText, QStringLiteral("C1: 24.90 Гц (2.49 гарм.) "));
   views::DrawList overlay;
   views::AppendSpectrCrosshair(f.v, overlay, f.fm);
@@ -215,8 +215,8 @@ TEST(CascadeBox, GeometryCornerAndParts) {
   EXPECT_EQ(views::CascadePartSamples(1048576, 64), 16384);
   EXPECT_EQ(views::CascadeCaption(8), QStringLiteral("Каскад спектров (Спектров: 8)"));
   views::CascadeViewState v;
-  v.W = 1400;
-  v.H = 950;
+  v.widthPx = 1400;
+  v.heightPx = 950;
   views::PlaceCorner(v, 0.0, 0.0);
   EXPECT_EQ(v.Xc, 1000);
   EXPECT_EQ(v.Yc, 500);
@@ -232,8 +232,8 @@ TEST(CascadeBox, PartsFollowTheRecordAndMarkersShowAnEmptyFrame) {
     s->SignalData.at(i, 1) = static_cast<int16_t>(
         std::lround(100.0 * (1 + (i - 1) / 2048) * std::sin(2 * std::numbers::pi * 100.0 * (i - 1) / 2048.0)));
   views::CascadeViewState v;
-  v.W = 800;
-  v.H = 500;
+  v.widthPx = 800;
+  v.heightPx = 500;
   views::PlaceCorner(v, 1.4, 1.9);
   views::PrepareCascade(*s, v);
   ASSERT_EQ(v.parts.size(), 4u);

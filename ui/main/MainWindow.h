@@ -3,7 +3,7 @@
 // and the view windows; it owns no data, shows the shared state and routes
 // the commands.
 
-#include "core/FileReaders.h"
+#include "core/ReaderTable.h"
 #include "core/OpenFile.h"
 #include "files/SolidFile.h"
 #include "ui/main/ViewHost.h"
@@ -47,7 +47,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   // The load of the main window: settings with the crash check, the recent
   // list, toolbars and status bar.
   void load();
-  // Start step 7: the command line, or the last file.
+  // At start: the file of the command line, or the last file (LoadStartFile).
   bool loadStartFile(const QString& commandLine);
 
   // Public operations.

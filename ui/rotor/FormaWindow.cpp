@@ -134,8 +134,8 @@ void FormaWindow::layoutBars() {
   hScroll_->setGeometry(0, bottom, right, scroll);
   if (vScroll_) vScroll_->setGeometry(right, 0, scroll, bottom + scroll);
   statusBar_->setGeometry(0, bottom + scroll, width(), bar);
-  v_.W = right;
-  v_.H = bottom;
+  v_.widthPx = right;
+  v_.heightPx = bottom;
 }
 
 void FormaWindow::syncControls() {

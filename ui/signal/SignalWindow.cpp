@@ -111,7 +111,7 @@ SignalWindow::SignalWindow(ViewHost& host, QWidget* parent)
   sliderV_->setPageStep(1);
   sliderV_->setTickPosition(QSlider::TicksRight);
   hScroll_ = new QScrollBar(Qt::Horizontal, this);
-  hScroll_->setObjectName(QStringLiteral("HScroll1"));
+  hScroll_->setObjectName(QStringLiteral("timeScroll"));
   vScroll_ = new QScrollBar(Qt::Vertical, this);
   vScroll_->setObjectName(QStringLiteral("VScroll1"));
   statusBar_ = new PanelBar(this);
@@ -190,7 +190,7 @@ void SignalWindow::layoutBars() {
   sizes.parameterBarPx = bar;
   sizes.scrollPx = hScroll_->sizeHint().height();
   sizes.sliderPx = std::max(22, sliderH_->sizeHint().height());
-  const views::SignalLayout layout = views::FormResize(width(), height(), s_.options.signal, sizes);
+  const views::SignalLayout layout = views::LayoutForSize(width(), height(), s_.options.signal, sizes);
   if (!layout.moved) return;
   Place(picture_, layout.picture);
   Place(sliderH_, layout.sliderH);
@@ -199,9 +199,9 @@ void SignalWindow::layoutBars() {
   Place(vScroll_, layout.vScroll);
   Place(statusBar_, layout.statusBar);
   Place(parameterBar_, layout.statusBarParameter);
-  const bool sizeChanged = v_.W != layout.picture.width || v_.H != layout.picture.height;
-  v_.W = layout.picture.width;
-  v_.H = layout.picture.height;
+  const bool sizeChanged = v_.widthPx != layout.picture.width || v_.heightPx != layout.picture.height;
+  v_.widthPx = layout.picture.width;
+  v_.heightPx = layout.picture.height;
   if (!initialised_) {
     initialised_ = true;
     views::InitSignalView(s_, v_);
@@ -255,7 +255,7 @@ void SignalWindow::showParameterBar(const views::ParameterBar& bar) {
 
 void SignalWindow::BuildSignal() {
   refreshOptions();
-  if (v_.W <= 0 || v_.H <= 0) return;
+  if (v_.widthPx <= 0 || v_.heightPx <= 0) return;
   showPicture(views::BuildSignal(s_, v_, metrics_->metrics()));
   outInfoToStatusBar();
 }
@@ -329,11 +329,11 @@ void SignalWindow::syncControls() {
     sliderH_->setToolTip(v_.SliderHToolTip);
     sliderV_->setValue(v_.SliderV);
     sliderV_->setToolTip(v_.SliderVToolTip);
-    hScroll_->setRange(v_.HScrollMin, std::max(v_.HScrollMin, v_.HScrollMax));
-    hScroll_->setPageStep(std::max(1, v_.HScrollLargeChange));
-    if (!hScroll_->isSliderDown()) hScroll_->setValue(v_.HScroll1);
+    hScroll_->setRange(v_.timeScrollMin, std::max(v_.timeScrollMin, v_.timeScrollMax));
+    hScroll_->setPageStep(std::max(1, v_.timeScrollLargeChange));
+    if (!hScroll_->isSliderDown()) hScroll_->setValue(v_.timeScroll);
     vScroll_->setRange(v_.VScrollMin, std::max(v_.VScrollMin, v_.VScrollMax));
-    vScroll_->setPageStep(std::max(1, v_.H / 10));
+    vScroll_->setPageStep(std::max(1, v_.heightPx / 10));
     vScroll_->setValue(v_.VScroll1);
   }
   syncing_ = false;
@@ -393,12 +393,12 @@ void SignalWindow::ShowAll() { apply(views::ShowAll(s_, v_)); }
 
 void SignalWindow::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
-    case Qt::Key_Left: onHScroll(v_.HScroll1 - std::max(1, v_.HScrollLargeChange / 8), true); break;
-    case Qt::Key_Right: onHScroll(v_.HScroll1 + std::max(1, v_.HScrollLargeChange / 8), true); break;
-    case Qt::Key_PageUp: onHScroll(v_.HScroll1 - std::max(1, v_.HScrollLargeChange), true); break;
-    case Qt::Key_PageDown: onHScroll(v_.HScroll1 + std::max(1, v_.HScrollLargeChange), true); break;
-    case Qt::Key_Home: onHScroll(v_.HScrollMin, true); break;
-    case Qt::Key_End: onHScroll(v_.HScrollMax, true); break;
+    case Qt::Key_Left: onHScroll(v_.timeScroll - std::max(1, v_.timeScrollLargeChange / 8), true); break;
+    case Qt::Key_Right: onHScroll(v_.timeScroll + std::max(1, v_.timeScrollLargeChange / 8), true); break;
+    case Qt::Key_PageUp: onHScroll(v_.timeScroll - std::max(1, v_.timeScrollLargeChange), true); break;
+    case Qt::Key_PageDown: onHScroll(v_.timeScroll + std::max(1, v_.timeScrollLargeChange), true); break;
+    case Qt::Key_Home: onHScroll(v_.timeScrollMin, true); break;
+    case Qt::Key_End: onHScroll(v_.timeScrollMax, true); break;
     case Qt::Key_Plus:
     case Qt::Key_Equal:
       if (v_.SliderH < v_.SliderHMax) onSliderH(v_.SliderH + 1, false);
@@ -418,7 +418,7 @@ void SignalWindow::wheelEvent(QWheelEvent* event) {
   // Shift (or a sideways wheel) moves along the record; the wheel itself
   // zooms round the sample under the pointer.
   if ((event->modifiers() & Qt::ShiftModifier) || delta.y() == 0) {
-    apply(views::PanBy(s_, v_, -steps * std::max(1, v_.W / 8)));
+    apply(views::PanBy(s_, v_, -steps * std::max(1, v_.widthPx / 8)));
   } else {
     const QPointF at = picture_->mapFrom(this, event->position());
     apply(views::ZoomAround(s_, v_, at.x(), steps));

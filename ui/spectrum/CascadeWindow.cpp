@@ -118,11 +118,11 @@ void CascadeWindow::layoutBars() {
   picture_->setGeometry(0, top, width(), bottom - top);
   const int w = width();
   const int h = bottom - top;
-  if (w == v_.W && h == v_.H && placed_) return;
+  if (w == v_.widthPx && h == v_.heightPx && placed_) return;
   // The corner keeps its place relative to the picture.
   const auto ratios = placed_ ? views::CornerRatios(v_) : std::make_pair(ratioX_, ratioY_);
-  v_.W = w;
-  v_.H = h;
+  v_.widthPx = w;
+  v_.heightPx = h;
   views::PlaceCorner(v_, ratios.first, ratios.second);
   placed_ = true;
   BuildCascadeSpectrum();
@@ -136,7 +136,7 @@ void CascadeWindow::installRefresh(views::ViewRegistry& registry) {
 }
 
 void CascadeWindow::BuildCascadeSpectrum() {
-  if (v_.W <= 0 || v_.H <= 0) return;
+  if (v_.widthPx <= 0 || v_.heightPx <= 0) return;
   views::PrepareCascade(s_, v_);
   showPicture(views::DrawCascade(s_, v_));
   OutInfoToStatusBar();
@@ -168,7 +168,7 @@ void CascadeWindow::pictureMousePress(Qt::MouseButton button, QPointF pos) {
 
 void CascadeWindow::pictureMouseMove(QPointF pos, bool leftHeld) {
   if (!leftHeld || !v_.Dragging) return;
-  if (!views::CornerAccepted(v_.W, v_.H, pos.x(), pos.y())) return;
+  if (!views::CornerAccepted(v_.widthPx, v_.heightPx, pos.x(), pos.y())) return;
   v_.Xc = static_cast<int>(pos.x());
   v_.Yc = static_cast<int>(pos.y());
   // While dragging only the box follows; the parts are made anew on release.

@@ -196,9 +196,9 @@ void SpectrWindow::layoutBars() {
   }
   if (width() < 11 || bottom < 11) return;
   picture_->setGeometry(0, 0, width(), bottom);
-  const bool sizeChanged = v_.W != width() || v_.H != bottom;
-  v_.W = width();
-  v_.H = bottom;
+  const bool sizeChanged = v_.widthPx != width() || v_.heightPx != bottom;
+  v_.widthPx = width();
+  v_.heightPx = bottom;
   if (sizeChanged || !shown_) {
     shown_ = true;
     BuildSpectr();
@@ -217,7 +217,7 @@ void SpectrWindow::installRefresh(views::ViewRegistry& registry) {
 }
 
 void SpectrWindow::BuildSpectr() {
-  if (v_.W <= 0 || v_.H <= 0) return;
+  if (v_.widthPx <= 0 || v_.heightPx <= 0) return;
   showPicture(views::BuildSpectr(s_, v_, host_.analysis(), metrics_->metrics()));
   showStatus(views::OutInfoToStatusBar(s_, v_));
 }

@@ -127,7 +127,7 @@ void TraectoriaWindow::installRefresh(views::ViewRegistry& registry) {
 }
 
 void TraectoriaWindow::BuildTraectoria() {
-  if (v_.W <= 0 || v_.H <= 0) return;
+  if (v_.widthPx <= 0 || v_.heightPx <= 0) return;
   show(views::BuildTraectoria(s_, host_.analysis(), v_, metrics_->metrics()));
   OutInfoToStatusBar();
   syncControls();
@@ -154,20 +154,20 @@ void TraectoriaWindow::SetTypeMouseCursor() {
 
 void TraectoriaWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
-  FormResize();
+  LayoutForSize();
 }
 
 void TraectoriaWindow::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
-  if (isVisible()) FormResize();
+  if (isVisible()) LayoutForSize();
 }
 
-void TraectoriaWindow::FormResize() {
+void TraectoriaWindow::LayoutForSize() {
   views::TraectoriaBarSizes sizes;
   sizes.statusBarPx = statusBar_->sizeHint().height();
   sizes.scrollPx = hScrollL_->sizeHint().height();
   sizes.sliderPx = std::max(22, sliderV_->sizeHint().width());
-  const views::TraectoriaLayout l = views::TraectoriaFormResize(width(), height(), s_.options.traectoria.StatusBar, sizes);
+  const views::TraectoriaLayout l = views::TraectoriaLayoutForSize(width(), height(), s_.options.traectoria.StatusBar, sizes);
   // The bars' changes while the window is laid out are not the user's.
   syncing_ = true;
   Place(picture_, l.picture);
@@ -187,7 +187,7 @@ void TraectoriaWindow::optionsChanged() {
   SetTypeMouseCursor();
   // Only the status bar moves the bars (and centres the plane).
   if (statusBar_->isVisible() != s_.options.traectoria.StatusBar) {
-    FormResize();
+    LayoutForSize();
   } else {
     BuildTraectoria();
   }
@@ -236,7 +236,7 @@ void TraectoriaWindow::apply(const views::TraectoriaAction& a) {
 }
 
 void TraectoriaWindow::slowDraw() {
-  if (v_.W <= 0 || v_.H <= 0) return;
+  if (v_.widthPx <= 0 || v_.heightPx <= 0) return;
   views::PrepareTraectoria(s_, host_.analysis(), v_);
   const bool orbit = v_.Paired && !s_.options.traectoria.TraectoriaFirstGarmonic && v_.BeginSample < v_.EndSample;
   if (!orbit) {

@@ -33,7 +33,7 @@ class TraectoriaWindow : public QWidget {
   void installRefresh(views::ViewRegistry& registry);
   // Public operations.
   void BuildTraectoria();
-  void FormResize();
+  void LayoutForSize();
   void OutInfoToStatusBar();
   void SetTypeMouseCursor();
   QImage CopyPictureImage() const;

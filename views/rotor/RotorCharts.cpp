@@ -45,10 +45,10 @@ DrawList DrawFormaRotorDiagram(const AppState& s, const FormaRotorResults& r, co
   const int form = std::clamp(v.HScroll, 0, r.FormaRotorN);
   const int th = fm.lineHeight;
   const int margin = MarginFor(fm, QStringLiteral("-") + QString::number(range));
-  const int mid = v.H / 2;
+  const int mid = v.heightPx / 2;
   const double step = std::max(1.0, static_cast<double>(mid - th)) / range;
   auto yOf = [&](double percent) { return RoundHalfEven(mid - std::clamp(percent, -1.0 * range, 1.0 * range) * step); };
-  const int right = v.W - margin;
+  const int right = v.widthPx - margin;
 
   const int top = mid - RoundHalfEven(range * step), bottom = mid + RoundHalfEven(range * step);
   list.add(Line{margin, top, margin, bottom, MakePen(grid)});
@@ -60,7 +60,7 @@ DrawList DrawFormaRotorDiagram(const AppState& s, const FormaRotorResults& r, co
     list.add(Line{margin, y, right, y, MakePen(grid)});
     if (i % labelEvery != 0) continue;
     list.add(MakeText(margin / 2, y, QString::number(i), text, TextAnchor::Center));
-    list.add(MakeText(v.W - margin / 2, y, QString::number(i), text, TextAnchor::Center));
+    list.add(MakeText(v.widthPx - margin / 2, y, QString::number(i), text, TextAnchor::Center));
   }
   if (o.DiagramaViewScale) {
     const std::pair<int, BgrColor> limits[] = {{3, kLimitYellow}, {8, kLimitRed}};
@@ -71,7 +71,7 @@ DrawList DrawFormaRotorDiagram(const AppState& s, const FormaRotorResults& r, co
   }
 
   const int polus = r.Polus;
-  const double pw = (v.W - 2.0 * margin) / (polus + 0.5);
+  const double pw = (v.widthPx - 2.0 * margin) / (polus + 0.5);
   auto colour = [&](double a, double b) { return o.DiagramaViewColor ? kOneColour : ColorByLimits(a, b); };
   auto left = [&](int pole) { return pw / 2.0 + margin + (pole - 1) * pw; };
   auto centre = [&](int pole) { return RoundHalfEven(left(pole) + pw / 4.0); };
@@ -115,9 +115,9 @@ DrawList DrawFormaRotorDiagram(const AppState& s, const FormaRotorResults& r, co
     }
     const QString number = QString::number(p);
     if (numberRow.fits(centre(p), fm.widthOf(number.toStdString())))
-      list.add(MakeText(centre(p), v.H - 1, number, text, TextAnchor::BottomCenter));
+      list.add(MakeText(centre(p), v.heightPx - 1, number, text, TextAnchor::BottomCenter));
   }
-  list.add(Rect{0, 0, v.W, v.H, MakePen(grid), false, 0});
+  list.add(Rect{0, 0, v.widthPx, v.heightPx, MakePen(grid), false, 0});
   return list;
 }
 
@@ -132,16 +132,16 @@ DrawList DrawFormaSpectrForms(const AppState& s, const FormaRotorResults& r, con
   const int margin = MarginFor(fm, QStringLiteral("100"));
   // Two lines below the plot: the harmonic numbers and the axis caption.
   const int top = th;
-  const int yB = v.H - 2 * th - 1;
+  const int yB = v.heightPx - 2 * th - 1;
   const double step = (yB - top) / 5.0;
   for (int i = 1; i <= 6; ++i) {
     const int y = RoundHalfEven(yB - (i - 1) * step);
-    list.add(Line{margin, y, v.W - margin, y, MakePen(grid)});
+    list.add(Line{margin, y, v.widthPx - margin, y, MakePen(grid)});
     const QString label = QString::number((i - 1) * 20);
     list.add(MakeText(margin / 2, y, label, text, TextAnchor::Center));
-    list.add(MakeText(v.W - margin / 2, y, label, text, TextAnchor::Center));
+    list.add(MakeText(v.widthPx - margin / 2, y, label, text, TextAnchor::Center));
   }
-  const double cw = (v.W - 2.0 * margin) / 10.0;
+  const double cw = (v.widthPx - 2.0 * margin) / 10.0;
   const double k = r.FormaRotorResult > 0.0 ? (yB - top) / r.FormaRotorResult : 0.0;
   for (int n = 1; n <= kFormaHarmonicCount; ++n) {
     const int x = RoundHalfEven(margin + n * cw);
@@ -155,8 +155,8 @@ DrawList DrawFormaSpectrForms(const AppState& s, const FormaRotorResults& r, con
       list.add(MakeText(x, y - 2, label, text, TextAnchor::BottomCenter));
     }
   }
-  list.add(MakeText(v.W / 2, v.H - 1, QStringLiteral("Номер гармоники"), text, TextAnchor::BottomCenter));
-  list.add(Rect{0, 0, v.W, v.H, MakePen(grid), false, 0});
+  list.add(MakeText(v.widthPx / 2, v.heightPx - 1, QStringLiteral("Номер гармоники"), text, TextAnchor::BottomCenter));
+  list.add(Rect{0, 0, v.widthPx, v.heightPx, MakePen(grid), false, 0});
   return list;
 }
 

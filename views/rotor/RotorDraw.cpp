@@ -188,24 +188,24 @@ bool FormaRotorDataStands(const AppState& s) {
 // the frame with the reason there is no form.
 bool FormaPictureStart(const AppState& s, const FormaRotorResults& r, const FormaViewState& v, const FontMetrics& fm,
                        DrawList& list) {
-  list.width = std::max(0, v.W);
-  list.height = std::max(0, v.H);
+  list.width = std::max(0, v.widthPx);
+  list.height = std::max(0, v.heightPx);
   list.background = ViewBackground(s);
-  if (v.W < kMinPicturePx || v.H < kMinPicturePx) {
-    list.add(MakeText(v.W / 2, v.H / 2, QString::fromUtf8(kTooSmallNote), s.options.color.ColorText, TextAnchor::Center));
+  if (v.widthPx < kMinPicturePx || v.heightPx < kMinPicturePx) {
+    list.add(MakeText(v.widthPx / 2, v.heightPx / 2, QString::fromUtf8(kTooSmallNote), s.options.color.ColorText, TextAnchor::Center));
     return false;
   }
   if (r.valid() && r.Polus >= kFormaMinPolus) return true;
-  list.add(Rect{0, 0, v.W, v.H, MakePen(s.options.color.ColorGrid), false, 0});
+  list.add(Rect{0, 0, v.widthPx, v.heightPx, MakePen(s.options.color.ColorGrid), false, 0});
   // Long reasons break at a blank near the middle to fit narrow windows.
   QString text = FormaRotorFailureText(r.Failure, s);
   QStringList lines{text};
-  if (fm.widthOf(text.toStdString()) > v.W - 10) {
+  if (fm.widthOf(text.toStdString()) > v.widthPx - 10) {
     const int split = static_cast<int>(text.lastIndexOf(QLatin1Char(' '), text.size() / 2 + 8));
     if (split > 0) lines = QStringList{text.left(split), text.mid(split + 1)};
   }
   for (int i = 0; i < lines.size(); ++i)
-    list.add(MakeText(v.W / 2, v.H / 3 + i * fm.lineHeight, lines[i], s.options.color.ColorText, TextAnchor::TopCenter));
+    list.add(MakeText(v.widthPx / 2, v.heightPx / 3 + i * fm.lineHeight, lines[i], s.options.color.ColorText, TextAnchor::TopCenter));
   return false;
 }
 
@@ -215,7 +215,7 @@ DrawList DrawFormaRotor(const AppState& s, const FormaRotorResults& r, const For
   const FormaRotorOptions& o = s.options.formaRotor;
   const int percentPerRing = std::clamp(v.VScroll, kPercentPerRingMin, kPercentPerRingMax);
   const int form = std::clamp(v.HScroll, 0, r.FormaRotorN);
-  const RotorGeometry g = RotorGeometryFor(v.W, v.H, fm.lineHeight);
+  const RotorGeometry g = RotorGeometryFor(v.widthPx, v.heightPx, fm.lineHeight);
   DrawRings(s, g, percentPerRing, list);
   DrawPoles(s, g, r.Polus, fm, list);
   if (o.FormaViewScale) DrawLimits(g, percentPerRing, list);
@@ -233,7 +233,7 @@ DrawList DrawFormaRotor(const AppState& s, const FormaRotorResults& r, const For
   list.add(Line{x - 10, y, x + 10, y, pen});
   list.add(Line{x, y - 10, x, y + 10, pen});
   list.add(MakeText(x + 10, y, FormatStandard(amplitude), pen.color));
-  list.add(Rect{0, 0, v.W, v.H, MakePen(s.options.color.ColorGrid), false, 0});
+  list.add(Rect{0, 0, v.widthPx, v.heightPx, MakePen(s.options.color.ColorGrid), false, 0});
   return list;
 }
 

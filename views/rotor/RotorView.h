@@ -63,8 +63,8 @@ inline constexpr int kPercentPerRingStart = 5;
 
 // One struct serves the three windows; the spectrum has no VScroll.
 struct FormaViewState {
-  int W = 0;
-  int H = 0;
+  int widthPx = 0;
+  int heightPx = 0;
   int HScroll = 0;     // form index 0..FormaRotorN
   int HScrollMax = 0;
   int VScroll = kPercentPerRingStart;  // percent per ring (range), 1..20

@@ -32,11 +32,11 @@ void InitSignalView(const AppState& s, SignalViewState& v) {
   v.SliderV = -1;
   v.SliderVToolTip = QStringLiteral("Авто");
   v.ScrollStep = ScrollStepFor(SignalN(s));
-  v.HScroll1 = std::max(1, v.HScroll1);
+  v.timeScroll = std::max(1, v.timeScroll);
   v.CentreSample =
-      RoundHalfEven(static_cast<double>(v.HScroll1) * v.ScrollStep + std::ldexp(SignalN(s), -v.SliderH) / 2.0 - 1.0);
+      RoundHalfEven(static_cast<double>(v.timeScroll) * v.ScrollStep + std::ldexp(SignalN(s), -v.SliderH) / 2.0 - 1.0);
   v.VScrollMin = 0;
-  v.VScrollMax = std::max(0, v.H);
+  v.VScrollMax = std::max(0, v.heightPx);
   RefreshElementsImposition(s, v);
 }
 
@@ -51,29 +51,29 @@ void ConfigSliderH(AppState& s, SignalViewState& v) {
   v.SliderHToolTip = QStringLiteral("Масштаб: ") + QString::number(qint64{1} << v.SliderH) + QStringLiteral(":1");
   v.ScrollStep = ScrollStepFor(n);
   const double visible = std::ldexp(static_cast<double>(n), -v.SliderH);
-  v.HScrollMin = 1;
-  v.HScrollMax = std::clamp(RoundHalfEven((n - visible) / v.ScrollStep), 1, 32767);
-  if (v.HScrollMax == 1) {
-    v.HScroll1 = 1;
-    v.HScrollLargeChange = 1;
+  v.timeScrollMin = 1;
+  v.timeScrollMax = std::clamp(RoundHalfEven((n - visible) / v.ScrollStep), 1, 32767);
+  if (v.timeScrollMax == 1) {
+    v.timeScroll = 1;
+    v.timeScrollLargeChange = 1;
   } else {
-    v.HScrollLargeChange = std::min(RoundHalfEven(visible / v.ScrollStep), v.HScrollMax);
-    v.HScroll1 = std::clamp(RoundHalfEven((v.CentreSample - visible / 2.0 + 1.0) / v.ScrollStep), v.HScrollMin,
-                            v.HScrollMax);
+    v.timeScrollLargeChange = std::min(RoundHalfEven(visible / v.ScrollStep), v.timeScrollMax);
+    v.timeScroll = std::clamp(RoundHalfEven((v.CentreSample - visible / 2.0 + 1.0) / v.ScrollStep), v.timeScrollMin,
+                            v.timeScrollMax);
   }
-  s.ViewFirst = v.HScroll1 == 1 ? 1 : v.HScroll1 * v.ScrollStep;
+  s.ViewFirst = v.timeScroll == 1 ? 1 : v.timeScroll * v.ScrollStep;
   s.ViewLast = RoundHalfEven(s.ViewFirst + visible - 1.0);
 }
 
 void ResetValueElements(SignalViewState& v) {
-  v.VScroll1 = RoundHalfEven(v.H / 2.0);
+  v.VScroll1 = RoundHalfEven(v.heightPx / 2.0);
   v.SliderH = 0;
-  v.HScroll1 = 1;
+  v.timeScroll = 1;
 }
 
 void SetY0(AppState& s, SignalViewState& v) {
   for (int c = 1; c <= ChannelCount(s); ++c)
-    if (s.channels.ChannelY[c] == kChannelUnplaced) s.channels.ChannelY[c] = RoundHalfEven(v.H / 2.0);
+    if (s.channels.ChannelY[c] == kChannelUnplaced) s.channels.ChannelY[c] = RoundHalfEven(v.heightPx / 2.0);
   HoldVScroll(v, s.channels.ChannelY[CurrentChannel(s)]);
 }
 
@@ -83,8 +83,8 @@ void RefreshElementsImposition(const AppState& s, SignalViewState& v) {
   const int y = s.channels.ChannelY[c];
   if (y == kChannelUnplaced) {
     v.VScrollMin = 0;
-    v.VScrollMax = std::max(0, v.H);
-    v.VScroll1 = RoundHalfEven(v.H / 2.0);
+    v.VScrollMax = std::max(0, v.heightPx);
+    v.VScroll1 = RoundHalfEven(v.heightPx / 2.0);
   } else {
     HoldVScroll(v, y);
   }
@@ -97,9 +97,9 @@ void RefreshElementsImposition(const AppState& s, SignalViewState& v) {
 }
 
 void AccountChannelY0(AppState& s, SignalViewState& v) {
-  if (!s.options.parameters.AutoY0 || v.H <= 0) return;
+  if (!s.options.parameters.AutoY0 || v.heightPx <= 0) return;
   const int n = ActiveUsedCount(s);
-  const std::vector<int> centres = BandCentres(v.H, n);
+  const std::vector<int> centres = BandCentres(v.heightPx, n);
   size_t k = 0;
   for (int c = 1; c <= ChannelCount(s) && k < centres.size(); ++c) {
     if (s.channels.Channel[c] != 1 || s.channels.Active[c] != 1) continue;
@@ -148,7 +148,7 @@ int AutoScaleOf(const AppState& s, SignalViewState& v, int channel, int activeCo
   return AutoChannelYm(DisplayPeak(s.channels, channel, e.least[channel], e.greatest[channel], offset), activeCount);
 }
 
-SignalLayout FormResize(int innerWidthPx, int innerHeightPx, const SignalOptions& o, const SignalBarSizes& bars) {
+SignalLayout LayoutForSize(int innerWidthPx, int innerHeightPx, const SignalOptions& o, const SignalBarSizes& bars) {
   SignalLayout layout;
   int bottom = innerHeightPx;
   if (o.StatusBar) {

@@ -53,23 +53,23 @@ void DrawTimeGrid(const AppState& s, const SignalViewState& v, const FontMetrics
   const double pps = v.PixelsPerSample;
   const double stepPx = freq * pps * step;
   if (stepPx <= 0.0) return;
-  const double origin = static_cast<double>(v.HScroll1) * v.ScrollStep;
+  const double origin = static_cast<double>(v.timeScroll) * v.ScrollStep;
   const int firstTick = RoundHalfEven(origin / freq / step - 1.0);
   double t = firstTick * step;
   const double offset = ClockOffsetSeconds(s);
   const Pen pen = MakePen(s.options.color.ColorGrid, 1, DashStyle::Dot);
   int labelEnd = std::numeric_limits<int>::min();
-  for (double x = stepPx - RoundHalfEven(origin * pps - freq * pps * t); x <= v.W; x += stepPx) {
+  for (double x = stepPx - RoundHalfEven(origin * pps - freq * pps * t); x <= v.widthPx; x += stepPx) {
     t += step;
     const int xi = RoundHalfEven(x);
-    list.add(Line{xi, 0, xi, v.H, pen});
+    list.add(Line{xi, 0, xi, v.heightPx, pen});
     // A label that would run into the one before it is left out; the tick
     // stays.
     // So is one that the right edge would cut.
     const QString label = TimeText(t + offset);
     const int width = fm.widthOf(label.toStdString());
-    if (xi + 1 < labelEnd || xi + 1 + width > v.W) continue;
-    labels.push_back(MakeText(xi + 1, v.H - fm.lineHeight - 1, label, s.options.color.ColorText));
+    if (xi + 1 < labelEnd || xi + 1 + width > v.widthPx) continue;
+    labels.push_back(MakeText(xi + 1, v.heightPx - fm.lineHeight - 1, label, s.options.color.ColorText));
     labelEnd = xi + 1 + width + fm.charWidth;
   }
 }
@@ -81,10 +81,10 @@ void DrawUserMarkers(const AppState& s, const SignalViewState& v, const FontMetr
     if (s.markers.MarkerOn[static_cast<size_t>(i)] == 0) continue;
     const double seconds = SecondsOfDay(s.markers.MarkerDate[static_cast<size_t>(i)]) - start;
     const double x = (seconds * ChannelRateHz(s) - s.ViewFirst - (s.SolidBlockN - 1.0) * s.SignalDataN) * v.PixelsPerSample;
-    if (x <= 0.0 || x >= v.W) continue;
+    if (x <= 0.0 || x >= v.widthPx) continue;
     const BgrColor color = s.markers.MarkerColor[static_cast<size_t>(i)];
     const int xi = RoundHalfEven(x);
-    list.add(Line{xi, 0, xi, v.H, MakePen(color)});
+    list.add(Line{xi, 0, xi, v.heightPx, MakePen(color)});
     const int y = RoundHalfEven(s.markers.MarkerShift[static_cast<size_t>(i)] * fm.lineHeight / 15.0);
     list.add(MakeText(xi + 1, y, s.markers.MarkerRemark[static_cast<size_t>(i)].left(50).trimmed(), color));
   }
@@ -92,19 +92,19 @@ void DrawUserMarkers(const AppState& s, const SignalViewState& v, const FontMetr
 
 void DrawLevelGrid(const AppState& s, const SignalViewState& v, const FontMetrics& fm,
                    int channel, DrawList& list, std::vector<Text>& labels) {
-  const int stepPx = std::max(1, RoundHalfEven(v.H / 10.0));
+  const int stepPx = std::max(1, RoundHalfEven(v.heightPx / 10.0));
   const int stepUnits = RoundHalfEven(s.channels.ChannelYm[channel] / 5.0);
   const double divisor = s.UnitDivisor != 0.0 ? s.UnitDivisor : 1.0;
   const int64_t y0 = s.channels.ChannelY[channel];
   const Pen pen = MakePen(s.options.color.ColorGrid, 1, DashStyle::Dot);
   // Labels sit above their line, below it at the top edge, and keep clear of
   // the time labels along the bottom.
-  const int labelFloor = s.options.signal.ScaleX ? v.H - fm.lineHeight - 1 : v.H;
+  const int labelFloor = s.options.signal.ScaleX ? v.heightPx - fm.lineHeight - 1 : v.heightPx;
   // The topmost label names the unit.
   bool unitTold = false;
   auto add = [&](int64_t k, int64_t y) {
     const int yi = static_cast<int>(y);
-    list.add(Line{0, yi, v.W, yi, pen});
+    list.add(Line{0, yi, v.widthPx, yi, pen});
     QString label = PlainNumber(static_cast<double>(k * stepUnits) / divisor);
     if (!unitTold && yi <= labelFloor) {
       label += QLatin1Char(' ') + s.UnitName;
@@ -117,15 +117,15 @@ void DrawLevelGrid(const AppState& s, const SignalViewState& v, const FontMetric
     }
   };
   // Upward from the zero line, positive values, while on the picture.
-  for (int64_t k = std::max<int64_t>(1, (y0 - v.H + stepPx - 1) / stepPx);; ++k) {
+  for (int64_t k = std::max<int64_t>(1, (y0 - v.heightPx + stepPx - 1) / stepPx);; ++k) {
     const int64_t y = y0 - k * stepPx;
     if (y < 0) break;
-    if (y <= v.H) add(k, y);
+    if (y <= v.heightPx) add(k, y);
   }
   // Downward, negative values.
   for (int64_t k = std::max<int64_t>(1, (-y0 + stepPx - 1) / stepPx);; ++k) {
     const int64_t y = y0 + k * stepPx;
-    if (y > v.H) break;
+    if (y > v.heightPx) break;
     if (y >= 0) add(-k, y);
   }
 }
@@ -156,8 +156,8 @@ void DrawLegend(const AppState& s, const FontMetrics& fm, std::vector<Text>& lab
 }
 
 void DrawThreshold(const SignalViewState& v, int y, BgrColor color, const QString& caption, DrawList& list) {
-  list.add(Line{0, y, v.W, y, MakePen(color)});
-  list.add(MakeText(v.W - 15, y - 3, caption, color, TextAnchor::BottomRight));
+  list.add(Line{0, y, v.widthPx, y, MakePen(color)});
+  list.add(MakeText(v.widthPx - 15, y - 3, caption, color, TextAnchor::BottomRight));
 }
 
 void DrawTrace(const AppState& s, const SignalViewState& v, int channel, double pixelsPerUnit, DrawList& list) {
@@ -194,9 +194,9 @@ void DrawTrace(const AppState& s, const SignalViewState& v, int channel, double 
     }
   } else {
     const int lastRow = std::min(s.ViewLast, n);
-    const int w = std::clamp(static_cast<int>(std::ceil((lastRow - s.ViewFirst + 1) * pps)), 10, std::max(10, v.W));
+    const int w = std::clamp(static_cast<int>(std::ceil((lastRow - s.ViewFirst + 1) * pps)), 10, std::max(10, v.widthPx));
     std::vector<int32_t> columns;
-    ThinChannel(s, channel, w, lastRow, v.H, channelY, pps, pixelsPerUnit, columns);
+    ThinChannel(s, channel, w, lastRow, v.heightPx, channelY, pps, pixelsPerUnit, columns);
     trace.xs.reserve(static_cast<size_t>(w) * 2 + 1);
     trace.ys.reserve(static_cast<size_t>(w) * 2 + 1);
     trace.xs.push_back(0);
@@ -215,23 +215,23 @@ void DrawTrace(const AppState& s, const SignalViewState& v, int channel, double 
 }  // namespace
 
 void PrepareSignal(AppState& s, SignalViewState& v) {
-  if (v.W < kMinPicturePx || v.H < kMinPicturePx) return;
+  if (v.widthPx < kMinPicturePx || v.heightPx < kMinPicturePx) return;
   // A selection drag keeps its anchor over the redraw.
   if (!SelectionDragInProgress(s, v)) {
     v.CursorX = -1;
     v.CursorY = -1;
   }
-  v.PixelsPerSample = PixelsPerSampleFor(v.SliderH, v.W, std::clamp(s.SignalDataN, 1, kMaxSamples));
+  v.PixelsPerSample = PixelsPerSampleFor(v.SliderH, v.widthPx, std::clamp(s.SignalDataN, 1, kMaxSamples));
   v.FreqRotorVisible = FirstMarkerChannel(s) != 0;
   if (v.FreqRotorVisible) v.RotorSpeedText = RotorSpeedText(v.speed);
   const int current = CurrentChannel(s);
   const int activeCount = ActiveUsedCount(s);
   for (int c = 1; c <= ChannelCount(s); ++c) {
     if (s.channels.Active[c] != 1 || s.channels.Channel[c] != 1) continue;
-    if (s.channels.ChannelY[c] == kChannelUnplaced) s.channels.ChannelY[c] = RoundHalfEven(v.H / 2.0);
+    if (s.channels.ChannelY[c] == kChannelUnplaced) s.channels.ChannelY[c] = RoundHalfEven(v.heightPx / 2.0);
     if (s.channels.ChannelYm[c] <= 0)
       s.channels.ChannelYm[c] = AutoScaleOf(s, v, c, activeCount);
-    v.PixelsPerUnit = PixelsPerUnitFor(v.H, s.channels.Volume[c], s.channels.ChannelYm[c]);
+    v.PixelsPerUnit = PixelsPerUnitFor(v.heightPx, s.channels.Volume[c], s.channels.ChannelYm[c]);
     if (c == current) {
       v.PixelsPerUnitFirst = v.PixelsPerUnit;
       SetChannelUnit(s, s.channels.ChannelYm[c]);
@@ -241,12 +241,12 @@ void PrepareSignal(AppState& s, SignalViewState& v) {
 
 DrawList DrawSignal(const AppState& s, const SignalViewState& v, const FontMetrics& fm) {
   DrawList list;
-  list.width = std::max(0, v.W);
-  list.height = std::max(0, v.H);
+  list.width = std::max(0, v.widthPx);
+  list.height = std::max(0, v.heightPx);
   list.background = ViewBackground(s);
-  if (v.W < kMinPicturePx || v.H < kMinPicturePx) return list;
-  const int w = v.W;
-  const int h = v.H;
+  if (v.widthPx < kMinPicturePx || v.heightPx < kMinPicturePx) return list;
+  const int w = v.widthPx;
+  const int h = v.heightPx;
   const int current = CurrentChannel(s);
   const SignalOptions& o = s.options.signal;
   const ColorOptions& colors = s.options.color;
@@ -318,7 +318,7 @@ DrawList DrawSignal(const AppState& s, const SignalViewState& v, const FontMetri
 }
 
 DrawList BuildSignal(AppState& s, SignalViewState& v, const FontMetrics& fm) {
-  if (v.W >= kMinPicturePx && v.H >= kMinPicturePx) v.speed = RunOtmetchick(s);
+  if (v.widthPx >= kMinPicturePx && v.heightPx >= kMinPicturePx) v.speed = RunOtmetchick(s);
   PrepareSignal(s, v);
   return DrawSignal(s, v, fm);
 }
@@ -327,20 +327,20 @@ void BuildSelectRegion(const AppState& s, const SignalViewState& v, DrawList& li
   if (s.SelectFirst <= 0 && s.SelectLast <= 0) return;
   double span = static_cast<double>(s.ViewLast) - s.ViewFirst;
   if (span == 0.0) span = 1.0;
-  const int x1 = RoundHalfEven((static_cast<double>(s.SelectFirst) - s.ViewFirst) * v.W / span);
-  const int x2 = RoundHalfEven((static_cast<double>(s.SelectLast) - s.ViewFirst) * v.W / span);
+  const int x1 = RoundHalfEven((static_cast<double>(s.SelectFirst) - s.ViewFirst) * v.widthPx / span);
+  const int x2 = RoundHalfEven((static_cast<double>(s.SelectLast) - s.ViewFirst) * v.widthPx / span);
   if (std::abs(x2 - x1) < 2) {
-    list.add(Line{x1, 0, x1, v.H, InvertPen()});
+    list.add(Line{x1, 0, x1, v.heightPx, InvertPen()});
   } else {
-    list.add(Rect{std::min(x1, x2), 0, std::max(x1, x2), v.H, InvertPen(), true, 0xFFFFFF});
+    list.add(Rect{std::min(x1, x2), 0, std::max(x1, x2), v.heightPx, InvertPen(), true, 0xFFFFFF});
   }
 }
 
 void AppendCrosshair(const SignalViewState& v, DrawList& list) {
   if (v.CursorX < 0) return;
-  list.add(Line{v.CursorX, 0, v.CursorX, v.H, InvertPen()});
+  list.add(Line{v.CursorX, 0, v.CursorX, v.heightPx, InvertPen()});
   if (v.CursorY < 0) return;
-  list.add(Line{0, v.CursorY, v.W, v.CursorY, InvertPen()});
+  list.add(Line{0, v.CursorY, v.widthPx, v.CursorY, InvertPen()});
   constexpr int kBoxHalfPx = 3;
   list.add(Rect{v.CursorX - kBoxHalfPx, v.CursorY - kBoxHalfPx, v.CursorX + kBoxHalfPx + 1,
                 v.CursorY + kBoxHalfPx + 1, InvertPen(), false, 0});

@@ -35,8 +35,8 @@ QString GroupedInteger(double value) {
 }
 
 void ApplyHScroll(AppState& s, SignalViewState& v, int position) {
-  v.HScroll1 = std::clamp(position, v.HScrollMin, std::max(v.HScrollMin, v.HScrollMax));
-  s.ViewFirst = v.HScroll1 == 1 ? 1 : v.HScroll1 * v.ScrollStep;
+  v.timeScroll = std::clamp(position, v.timeScrollMin, std::max(v.timeScrollMin, v.timeScrollMax));
+  s.ViewFirst = v.timeScroll == 1 ? 1 : v.timeScroll * v.ScrollStep;
   if (s.ViewFirst == 0) s.ViewFirst = 1;
   s.ViewLast = RoundHalfEven(s.ViewFirst + std::ldexp(static_cast<double>(SignalN(s)), -v.SliderH) - 1.0);
 }
@@ -87,7 +87,7 @@ QString FreeCursorReading(const AppState& s, const SignalViewState& v, double y)
     if (s.channels.Active[c] != 1 || s.channels.Channel[c] != 1) continue;
     if (std::abs(s.channels.ChannelY[c] - y) < std::abs(s.channels.ChannelY[nearest] - y)) nearest = c;
   }
-  const double ppu = PixelsPerUnitFor(v.H, s.channels.Volume[nearest], s.channels.ChannelYm[nearest]);
+  const double ppu = PixelsPerUnitFor(v.heightPx, s.channels.Volume[nearest], s.channels.ChannelYm[nearest]);
   const double units = (s.channels.ChannelY[nearest] - y) / (ppu != 0.0 ? ppu : 1.0);
   const LevelUnit unit = UnitOfLevel(s.channels.Type[nearest], s.channels.ChannelYm[nearest]).value_or(LevelUnit{});
   const double value = units / (unit.divisor != 0.0 ? unit.divisor : 1.0);
@@ -123,9 +123,9 @@ SignalAction MouseMove(AppState& s, SignalViewState& v, double x, double y,
   const int n = SignalN(s);
 
   if (CursorOf(s) != SignalCursor::None && !leftHeld) {
-    if (x > v.W || y > v.H) return a;
+    if (x > v.widthPx || y > v.heightPx) return a;
     v.CursorX = RoundHalfEven(x);
-    v.CursorSample = XToSample(v.CursorX, v.HScroll1, v.ScrollStep, v.PixelsPerSample);
+    v.CursorSample = XToSample(v.CursorX, v.timeScroll, v.ScrollStep, v.PixelsPerSample);
     a.crosshair = a.statusBar = true;
     const bool inStore = v.CursorSample >= 1 && v.CursorSample <= n;
     if (CursorOf(s) == SignalCursor::Free) {
@@ -156,9 +156,9 @@ SignalAction MouseMove(AppState& s, SignalViewState& v, double x, double y,
     v.CursorValueText.clear();
     const int first = s.ViewFirst;
     const int last = s.ViewLast;
-    int selectFirst = SelectionSampleAt(x, first, last, v.W);
+    int selectFirst = SelectionSampleAt(x, first, last, v.widthPx);
     // Anchored where the cross-hair last stood, or where the button went down.
-    int selectLast = SelectionSampleAt(v.CursorX >= 0 ? v.CursorX : v.DragX, first, last, v.W);
+    int selectLast = SelectionSampleAt(v.CursorX >= 0 ? v.CursorX : v.DragX, first, last, v.widthPx);
     if (selectFirst > selectLast) std::swap(selectFirst, selectLast);
     v.SelectSaveFirst = selectFirst;
     v.SelectSaveLast = selectLast;
@@ -173,7 +173,7 @@ SignalAction MouseMove(AppState& s, SignalViewState& v, double x, double y,
     v.DragLock = true;
     const double pps = v.PixelsPerSample > 0 ? v.PixelsPerSample : 1.0;
     if (RoundHalfEven(x) != v.DragX) {
-      ApplyHScroll(s, v, RoundHalfEven(v.HScroll1 + ((v.DragX - x) / pps) / v.ScrollStep));
+      ApplyHScroll(s, v, RoundHalfEven(v.timeScroll + ((v.DragX - x) / pps) / v.ScrollStep));
     }
     if (RoundHalfEven(y) != v.DragY) ApplyVScroll(s, v, v.VScroll1 + (RoundHalfEven(y) - v.DragY));
     v.DragX = RoundHalfEven(x);
@@ -284,9 +284,9 @@ SignalAction StatusPanelClicked(AppState& s, SignalViewState& v, SignalPanel pan
       return SetTypeCursorViewSignal(s, v, left ? SignalCursor::Free : SignalCursor::Bound);
     case SignalPanel::Y0: {
       const int current = CurrentChannel(s);
-      const int middle = v.H / 2;
+      const int middle = v.heightPx / 2;
       const int y = s.channels.ChannelY[current];
-      const int next = y == middle ? v.H : (y == v.H ? 0 : middle);
+      const int next = y == middle ? v.heightPx : (y == v.heightPx ? 0 : middle);
       ApplyVScroll(s, v, next);
       SignalAction a;
       a.redraw = a.controls = a.statusBar = true;
@@ -335,7 +335,7 @@ SignalStatus OutInfoToStatusBar(AppState& s, const SignalViewState& v) {
     set(SignalPanel::Select, QStringLiteral("S: - "));
     set(SignalPanel::SelectLen, QStringLiteral("L: - "));
   }
-  const int percent = v.H > 0 ? RoundHalfEven(100.0 * s.channels.ChannelY[current] / v.H) : 0;
+  const int percent = v.heightPx > 0 ? RoundHalfEven(100.0 * s.channels.ChannelY[current] / v.heightPx) : 0;
   set(SignalPanel::Y0, QStringLiteral("Y0: ") + QString::number(percent) + QStringLiteral("% "));
   st.beginPointEnabled = BeginPointApplies(s.channels.Type[current], s.options.parameters.StatusFilterConst, s.AccountOffset);
   if (st.beginPointEnabled) {

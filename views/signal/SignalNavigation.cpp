@@ -34,12 +34,12 @@ SignalAction Zoomed(AppState& s, SignalViewState& v, int zoom, double centre) {
 
 SignalAction ZoomAround(AppState& s, SignalViewState& v, double x, int steps) {
   const int zoom = std::clamp(v.SliderH + steps, 0, v.SliderHMax);
-  if (zoom == v.SliderH || v.W <= 0) return {};
+  if (zoom == v.SliderH || v.widthPx <= 0) return {};
   Remember(v);
   const int n = SignalN(s);
-  const double pointed = s.ViewFirst + std::clamp(x, 0.0, static_cast<double>(v.W)) / PixelsPerSampleFor(v.SliderH, v.W, n);
-  const double pps = PixelsPerSampleFor(zoom, v.W, n);
-  const double first = pointed - std::clamp(x, 0.0, static_cast<double>(v.W)) / pps;
+  const double pointed = s.ViewFirst + std::clamp(x, 0.0, static_cast<double>(v.widthPx)) / PixelsPerSampleFor(v.SliderH, v.widthPx, n);
+  const double pps = PixelsPerSampleFor(zoom, v.widthPx, n);
+  const double first = pointed - std::clamp(x, 0.0, static_cast<double>(v.widthPx)) / pps;
   return Zoomed(s, v, zoom, first + std::ldexp(static_cast<double>(n), -zoom) / 2.0);
 }
 
@@ -69,13 +69,13 @@ SignalAction ShowAll(AppState& s, SignalViewState& v) {
 
 SignalAction PanBy(AppState& s, SignalViewState& v, double pixels) {
   const double pps = v.PixelsPerSample > 0.0 ? v.PixelsPerSample : 1.0;
-  const int position = RoundHalfEven(v.HScroll1 + pixels / pps / std::max(1, v.ScrollStep));
-  return HScrollChanged(s, v, std::clamp(position, v.HScrollMin, v.HScrollMax), true);
+  const int position = RoundHalfEven(v.timeScroll + pixels / pps / std::max(1, v.ScrollStep));
+  return HScrollChanged(s, v, std::clamp(position, v.timeScrollMin, v.timeScrollMax), true);
 }
 
 void StartZoomBox(SignalViewState& v, double x) { v.ZoomBoxFrom = RoundHalfEven(std::max(0.0, x)); }
 
-void DragZoomBox(SignalViewState& v, double x) { v.ZoomBoxTo = RoundHalfEven(std::clamp(x, 0.0, static_cast<double>(v.W))); }
+void DragZoomBox(SignalViewState& v, double x) { v.ZoomBoxTo = RoundHalfEven(std::clamp(x, 0.0, static_cast<double>(v.widthPx))); }
 
 SignalAction EndZoomBox(AppState& s, SignalViewState& v) {
   const int from = v.ZoomBoxFrom;
@@ -85,8 +85,8 @@ SignalAction EndZoomBox(AppState& s, SignalViewState& v) {
   a.crosshair = true;
   // A box a few pixels wide is a slip of the hand, not a stretch.
   if (from < 0 || to < 0 || std::abs(to - from) < 4) return a;
-  a |= ZoomToStretch(s, v, SelectionSampleAt(from, s.ViewFirst, s.ViewLast, v.W),
-                     SelectionSampleAt(to, s.ViewFirst, s.ViewLast, v.W));
+  a |= ZoomToStretch(s, v, SelectionSampleAt(from, s.ViewFirst, s.ViewLast, v.widthPx),
+                     SelectionSampleAt(to, s.ViewFirst, s.ViewLast, v.widthPx));
   return a;
 }
 
@@ -96,7 +96,7 @@ void AppendZoomBox(const SignalViewState& v, DrawList& list) {
   pen.color = 0x808080;
   pen.dash = DashStyle::Dash;
   pen.xorMode = true;
-  list.add(Rect{std::min(v.ZoomBoxFrom, v.ZoomBoxTo), 0, std::max(v.ZoomBoxFrom, v.ZoomBoxTo), v.H, pen, false, 0});
+  list.add(Rect{std::min(v.ZoomBoxFrom, v.ZoomBoxTo), 0, std::max(v.ZoomBoxFrom, v.ZoomBoxTo), v.heightPx, pen, false, 0});
 }
 
 }  // namespace aqx::views

@@ -52,8 +52,8 @@ struct RotorSpeed {
 // ---------------------------------------------------------------------------
 
 struct SignalViewState {
-  int W = 0;  // picture size, pixels
-  int H = 0;
+  int widthPx = 0;  // picture size, pixels
+  int heightPx = 0;
 
   // Controls.
   int SliderH = 0;  // horizontal zoom 2^SliderH
@@ -61,10 +61,10 @@ struct SignalViewState {
   QString SliderHToolTip;
   int SliderV = -1;  // index into AmplitudeScales, -1 "Авто"
   QString SliderVToolTip = QStringLiteral("Авто");
-  int HScroll1 = 1;  // position in time, in ScrollStep units
-  int HScrollMin = 1;
-  int HScrollMax = 1;
-  int HScrollLargeChange = 1;
+  int timeScroll = 1;  // position in time, in ScrollStep units
+  int timeScrollMin = 1;
+  int timeScrollMax = 1;
+  int timeScrollLargeChange = 1;
   int VScroll1 = 0;  // zero line of FirstChannelActive, pixels
   int VScrollMin = 0;
   int VScrollMax = 0;
@@ -126,7 +126,7 @@ struct SignalViewState {
 int AmplitudeScale(int index);
 // Step of the time grid, seconds, for visible time T seconds; 0 above 36000 s.
 double NiceTimeStep(double visibleSeconds);
-// Samples per unit of HScroll1: round(N / 32768) above 32768, else 1.
+// Samples per unit of timeScroll: round(N / 32768) above 32768, else 1.
 int ScrollStepFor(int signalDataN);
 // Top of SliderH: round(log2(N) - 1), at least 0.
 int SliderHMaxFor(int signalDataN);
@@ -167,14 +167,14 @@ QString RotorSpeedText(const RotorSpeed& speed);
 // Window operations (no argument in the window; here the state is explicit).
 // ---------------------------------------------------------------------------
 
-// On load of the window: the controls for the stored SliderH and HScroll1.
+// On load of the window: the controls for the stored SliderH and timeScroll.
 void InitSignalView(const AppState& s, SignalViewState& v);
 // Top of SliderH from SignalDataN.
 void SetMaxValueMas(const AppState& s, SignalViewState& v);
-// Tooltip, ScrollStep, HScroll1 range and position, ViewFirst and ViewLast
+// Tooltip, ScrollStep, timeScroll range and position, ViewFirst and ViewLast
 // from SliderH and CentreSample.
 void ConfigSliderH(AppState& s, SignalViewState& v);
-// VScroll1 to mid-height, SliderH to 0, HScroll1 to 1.
+// VScroll1 to mid-height, SliderH to 0, timeScroll to 1.
 void ResetValueElements(SignalViewState& v);
 // Unplaced channels to mid-height; VScroll1 to FirstChannelActive.
 void SetY0(AppState& s, SignalViewState& v);
@@ -280,7 +280,7 @@ SignalAction EndZoomBox(AppState& s, SignalViewState& v);
 void AppendZoomBox(const SignalViewState& v, DrawList& list);
 
 // ---------------------------------------------------------------------------
-// FormResize: where the bars go in the window's inner area.
+// LayoutForSize: where the bars go in the window's inner area.
 // ---------------------------------------------------------------------------
 
 struct PixelRect {
@@ -300,6 +300,6 @@ struct SignalBarSizes {
   int sliderPx = 24;
 };
 
-SignalLayout FormResize(int innerWidthPx, int innerHeightPx, const SignalOptions& o, const SignalBarSizes& bars = {});
+SignalLayout LayoutForSize(int innerWidthPx, int innerHeightPx, const SignalOptions& o, const SignalBarSizes& bars = {});
 
 }  // namespace aqx::views

@@ -35,7 +35,7 @@ void DrawBox(const AppState& s, const CascadeViewState& v, const CascadeBox& box
   const Pen pen = MakePen(s.options.color.ColorCarsetSpectrum);
   const BgrColor text = s.options.color.ColorText;
   const int left = kCascadeMarginPx;
-  const int bottom = v.H - kCascadeMarginPx;
+  const int bottom = v.heightPx - kCascadeMarginPx;
   const int g = SpectrGridN(s.options.config.ScaleSpectr);
   list.add(Line{left, bottom, left + box.BoxW, bottom, pen});
   list.add(Line{left, bottom, left, bottom - box.BoxH, pen});
@@ -65,7 +65,7 @@ void DrawBox(const AppState& s, const CascadeViewState& v, const CascadeBox& box
 }
 
 void DrawPart(const AppState& s, const CascadeViewState& v, const CascadeBox& box, int part, DrawList& list) {
-  const auto [ox, oy] = PlaneOrigin(box, v.H, part, v.CascadeN);
+  const auto [ox, oy] = PlaneOrigin(box, v.heightPx, part, v.CascadeN);
   const int left = RoundHalfEven(ox);
   const int bottom = RoundHalfEven(oy);
   const std::vector<float>& columns = v.parts[static_cast<size_t>(part)];
@@ -121,13 +121,13 @@ bool CornerAccepted(int widthPx, int heightPx, double x, double y) {
 void PlaceCorner(CascadeViewState& v, double ratioX, double ratioY) {
   const double rx = ratioX >= 1.0 ? ratioX : kDefaultRatioX;
   const double ry = ratioY >= 1.0 ? ratioY : kDefaultRatioY;
-  v.Xc = RoundHalfEven(v.W / rx);
-  v.Yc = RoundHalfEven(v.H / ry);
+  v.Xc = RoundHalfEven(v.widthPx / rx);
+  v.Yc = RoundHalfEven(v.heightPx / ry);
 }
 
 std::pair<double, double> CornerRatios(const CascadeViewState& v) {
   if (v.Xc <= 0 || v.Yc <= 0) return {kDefaultRatioX, kDefaultRatioY};
-  return {static_cast<double>(v.W) / v.Xc, static_cast<double>(v.H) / v.Yc};
+  return {static_cast<double>(v.widthPx) / v.Xc, static_cast<double>(v.heightPx) / v.Yc};
 }
 
 QString CascadeCaption(int count) { return QStringLiteral("Каскад спектров (Спектров: %1)").arg(count); }
@@ -143,7 +143,7 @@ void PrepareCascade(AppState& s, CascadeViewState& v) {
   v.parts.clear();
   v.CascadeMax = 0.0;
   v.Scale = 0;
-  const CascadeBox box = CascadeBoxFor(v.W, v.H, v.Xc, v.Yc);
+  const CascadeBox box = CascadeBoxFor(v.widthPx, v.heightPx, v.Xc, v.Yc);
   v.PartWidthPx = box.BoxW;
   if (DrawsNothing(s) || box.BoxW <= 0 || box.BoxH <= 0) return;
   const int c = ChannelOf(s);
@@ -167,12 +167,12 @@ void PrepareCascade(AppState& s, CascadeViewState& v) {
 
 DrawList DrawCascade(const AppState& s, const CascadeViewState& v) {
   DrawList list;
-  list.width = v.W;
-  list.height = v.H;
+  list.width = v.widthPx;
+  list.height = v.heightPx;
   list.background = ViewBackground(s);
-  if (v.W < kMinPicturePx || v.H < kMinPicturePx) return list;
-  const Rect frame{0, 0, v.W, v.H, MakePen(s.options.color.ColorText), false, 0};
-  const CascadeBox box = CascadeBoxFor(v.W, v.H, v.Xc, v.Yc);
+  if (v.widthPx < kMinPicturePx || v.heightPx < kMinPicturePx) return list;
+  const Rect frame{0, 0, v.widthPx, v.heightPx, MakePen(s.options.color.ColorText), false, 0};
+  const CascadeBox box = CascadeBoxFor(v.widthPx, v.heightPx, v.Xc, v.Yc);
   const bool parts = !DrawsNothing(s) && v.Scale > 0 && v.UnitsPerPixel > 0.0 &&
                      static_cast<int>(v.parts.size()) == v.CascadeN && v.PartWidthPx == box.BoxW;
   if (parts) {

@@ -19,8 +19,8 @@ inline constexpr int kCascadeMinParts = 2;
 inline constexpr int kCascadeMaxParts = 32;
 
 struct CascadeViewState {
-  int W = 0;
-  int H = 0;
+  int widthPx = 0;
+  int heightPx = 0;
   int CascadeN = 4;  // parts, a power of two
   int Xc = 0;        // the box's corner the mouse moves: top right of the
   int Yc = 0;        // nearest plane, pixels

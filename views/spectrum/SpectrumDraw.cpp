@@ -50,15 +50,15 @@ void DrawGrids(const AppState& s, const SpectrViewState& v, int g, const FontMet
   const BgrColor text = s.options.color.ColorText;
   const std::vector<int> labels = SpectrGridLabels(g);
   for (int i = 1; i <= g; ++i) {
-    const int x = RoundHalfEven(static_cast<double>(i) * v.W / g);
-    list.add(Line{x, 0, x, v.H, pen});
-    list.add(MakeText(x - 1, v.H - fm.lineHeight, QString::number(labels[static_cast<size_t>(i - 1)]), text,
+    const int x = RoundHalfEven(static_cast<double>(i) * v.widthPx / g);
+    list.add(Line{x, 0, x, v.heightPx, pen});
+    list.add(MakeText(x - 1, v.heightPx - fm.lineHeight, QString::number(labels[static_cast<size_t>(i - 1)]), text,
                       TextAnchor::TopRight));
   }
   const double divisor = s.UnitDivisor != 0.0 ? s.UnitDivisor : 1.0;
   for (int j = 1; j <= 10; ++j) {
-    const int y = RoundHalfEven(v.H - j * v.H / 10.0);
-    list.add(Line{0, y, v.W, y, pen});
+    const int y = RoundHalfEven(v.heightPx - j * v.heightPx / 10.0);
+    list.add(Line{0, y, v.widthPx, y, pen});
     const QString label = LevelLabel(j * v.Scale / 10.0 / divisor);
     list.add(j == 10 ? MakeText(2, 1, label, text, TextAnchor::TopLeft) : MakeText(2, y, label, text, TextAnchor::BottomLeft));
   }
@@ -66,10 +66,10 @@ void DrawGrids(const AppState& s, const SpectrViewState& v, int g, const FontMet
 
 void DrawGuide(const SpectrViewState& v, int g, double frequencyHz, BgrColor color, DrawList& list) {
   if (!(frequencyHz > 0.0) || frequencyHz > kSpectrTopHz) return;
-  const auto x = FrequencyToX(frequencyHz, v.W, g);
-  if (!x || *x > v.W) return;
+  const auto x = FrequencyToX(frequencyHz, v.widthPx, g);
+  if (!x || *x > v.widthPx) return;
   const int xi = RoundHalfEven(*x);
-  list.add(Line{xi, 0, xi, v.H, MakePen(color)});
+  list.add(Line{xi, 0, xi, v.heightPx, MakePen(color)});
 }
 
 void DrawEvaluation(const SpectrViewState& v, int g, DrawList& list) {
@@ -77,13 +77,13 @@ void DrawEvaluation(const SpectrViewState& v, int g, DrawList& list) {
     Polyline line;
     line.pen = MakePen(curve.color);
     for (const auto& [hz, micrometres] : curve.points) {
-      const auto x = FrequencyToX(hz, v.W, g);
+      const auto x = FrequencyToX(hz, v.widthPx, g);
       if (!x) continue;
       line.xs.push_back(RoundHalfEven(*x));
-      line.ys.push_back(RoundHalfEven(v.H - micrometres / v.UnitsPerPixel));
+      line.ys.push_back(RoundHalfEven(v.heightPx - micrometres / v.UnitsPerPixel));
     }
     if (curve.extendsRight && !line.ys.empty()) {
-      line.xs.push_back(v.W);
+      line.xs.push_back(v.widthPx);
       line.ys.push_back(line.ys.back());
     }
     list.add(std::move(line));
@@ -94,7 +94,7 @@ void DrawEvaluation(const SpectrViewState& v, int g, DrawList& list) {
 // the first decade has pixels.
 void DrawThinnedTrace(const AppState& s, const SpectrViewState& v, const AnalysisResults& r, int g, int h, Pen pen,
                       DrawList& list) {
-  const int width = std::min(v.W, AQX_SPECTRUM_COLUMNS);
+  const int width = std::min(v.widthPx, AQX_SPECTRUM_COLUMNS);
   std::vector<int32_t> columnY(AQX_SPECTRUM_COLUMNS, h);
   std::array<double, 4> decadeStart{};
   std::array<int32_t, 4> decadeDivisions{10, 9, 9, 9};
@@ -127,16 +127,16 @@ void DrawThinnedTrace(const AppState& s, const SpectrViewState& v, const Analysi
 void DrawLineTrace(const AppState& s, const SpectrViewState& v, const AnalysisResults& r, int g, int h, Pen pen,
                    DrawList& list) {
   constexpr int kNoLine = std::numeric_limits<int>::max();
-  std::vector<int> topOfColumn(static_cast<size_t>(v.W) + 1, kNoLine);
-  ForEachLineX(std::clamp(s.SpectrLineCount, 0, kSpectrumLines), s.StepDesc, v.W, g,
+  std::vector<int> topOfColumn(static_cast<size_t>(v.widthPx) + 1, kNoLine);
+  ForEachLineX(std::clamp(s.SpectrLineCount, 0, kSpectrumLines), s.StepDesc, v.widthPx, g,
                SpectrRangeTopHz(s.options.config.ScaleSpectr), [&](int k, double x) {
-                 const size_t xi = static_cast<size_t>(std::clamp(RoundHalfEven(x), 0, v.W));
+                 const size_t xi = static_cast<size_t>(std::clamp(RoundHalfEven(x), 0, v.widthPx));
                  const int y = RoundHalfEven(h - r.SpectrAmplitude[static_cast<size_t>(k)] / v.UnitsPerPixel);
                  topOfColumn[xi] = std::min(topOfColumn[xi], y);
                });
   if (s.options.spectr.SpectrViewType == 0) {
     // A bar stops one pixel above its level, as it always has.
-    for (int x = 0; x <= v.W; ++x)
+    for (int x = 0; x <= v.widthPx; ++x)
       if (topOfColumn[static_cast<size_t>(x)] != kNoLine) list.add(Line{x, h, x, topOfColumn[static_cast<size_t>(x)] - 1, pen});
     return;
   }
@@ -144,7 +144,7 @@ void DrawLineTrace(const AppState& s, const SpectrViewState& v, const AnalysisRe
   line.pen = pen;
   line.xs.push_back(0);
   line.ys.push_back(h);
-  for (int x = 0; x <= v.W; ++x) {
+  for (int x = 0; x <= v.widthPx; ++x) {
     if (topOfColumn[static_cast<size_t>(x)] == kNoLine) continue;
     line.xs.push_back(x);
     line.ys.push_back(topOfColumn[static_cast<size_t>(x)]);
@@ -168,16 +168,16 @@ void PrepareSpectr(AppState& s, SpectrViewState& v, const AnalysisResults& r) {
   v.LevelText.clear();
   const int c = ChannelOf(s);
   v.Scale = SpectrScaleFor(r.SpectrMax, s.channels.Volume[c]);
-  v.UnitsPerPixel = v.Scale > 0 && v.H > 0 ? v.Scale * RangeGain(s.channels.Volume[c]) / v.H : 0.0;
+  v.UnitsPerPixel = v.Scale > 0 && v.heightPx > 0 ? v.Scale * RangeGain(s.channels.Volume[c]) / v.heightPx : 0.0;
   if (v.Scale > 0) SetChannelUnit(s, v.Scale);
 }
 
 DrawList DrawSpectr(const AppState& s, const SpectrViewState& v, const AnalysisResults& r, const FontMetrics& fm) {
   DrawList list;
-  list.width = v.W;
-  list.height = v.H;
+  list.width = v.widthPx;
+  list.height = v.heightPx;
   list.background = ViewBackground(s);
-  if (v.W < kMinPicturePx || v.H < kMinPicturePx) return list;
+  if (v.widthPx < kMinPicturePx || v.heightPx < kMinPicturePx) return list;
   if (s.BlockSizeFFTa == 0 && s.BlockSizeFFTr == 0) return list;
   if (v.Scale == 0 || !(v.UnitsPerPixel > 0.0)) return list;
   const int g = SpectrGridN(s.options.config.ScaleSpectr);
@@ -193,16 +193,16 @@ DrawList DrawSpectr(const AppState& s, const SpectrViewState& v, const AnalysisR
   if (s.options.spectr.Evaluation == 1 && s.channels.Type[c] == sensor::Vibration) DrawEvaluation(v, g, list);
   if (s.channels.Type[c] != sensor::ShaftMarker && s.SpectrLineCount > 0 && s.StepDesc > 0.0) {
     const Pen pen = MakePen(s.channels.ChannelColor[c], s.channels.ChannelLineWidthSpectr[c]);
-    const int h = v.H - 1;
+    const int h = v.heightPx - 1;
     const int firstDecadeLines = std::min(RoundHalfEven(10.0 / s.StepDesc), s.SpectrLineCount);
-    const double pixelsPerLine = firstDecadeLines > 0 ? (v.W * 10.0 / g) / firstDecadeLines : 1.0;
+    const double pixelsPerLine = firstDecadeLines > 0 ? (v.widthPx * 10.0 / g) / firstDecadeLines : 1.0;
     if (pixelsPerLine < 1.0) {
       DrawThinnedTrace(s, v, r, g, h, pen, list);
     } else {
       DrawLineTrace(s, v, r, g, h, pen, list);
     }
   }
-  list.add(Rect{0, 0, v.W, v.H, MakePen(s.options.color.ColorText), false, 0});
+  list.add(Rect{0, 0, v.widthPx, v.heightPx, MakePen(s.options.color.ColorText), false, 0});
   return list;
 }
 
@@ -215,14 +215,14 @@ void AppendSpectrCrosshair(const SpectrViewState& v, DrawList& list, const FontM
   if (v.CursorX < 0) return;
   Pen invert = MakePen(0xFFFFFF);
   invert.xorMode = true;
-  list.add(Line{v.CursorX, 0, v.CursorX, v.H, invert});
-  if (v.CursorY >= 0) list.add(Line{0, v.CursorY, v.W, v.CursorY, invert});
+  list.add(Line{v.CursorX, 0, v.CursorX, v.heightPx, invert});
+  if (v.CursorY >= 0) list.add(Line{0, v.CursorY, v.widthPx, v.CursorY, invert});
   // The read-out stands beside the cross, on the side with room.
   const QString text = (v.CursorText.mid(4) + QStringLiteral("| ") + v.LevelText.mid(3)).trimmed();
   const int widthPx = fm.widthOf(text.toStdString()) + 6;
-  const bool left = v.CursorX + widthPx + 8 > v.W;
+  const bool left = v.CursorX + widthPx + 8 > v.widthPx;
   const int x = left ? v.CursorX - widthPx - 4 : v.CursorX + 4;
-  const int y = std::clamp(v.CursorY >= 0 ? v.CursorY - fm.lineHeight - 6 : 4, 2, std::max(2, v.H - fm.lineHeight - 6));
+  const int y = std::clamp(v.CursorY >= 0 ? v.CursorY - fm.lineHeight - 6 : 4, 2, std::max(2, v.heightPx - fm.lineHeight - 6));
   list.add(Rect{x, y, x + widthPx, y + fm.lineHeight + 4, MakePen(0x000000), true, 0xFFFFE0});
   list.add(MakeText(x + 3, y + 2, text, 0x000000, TextAnchor::TopLeft));
 }

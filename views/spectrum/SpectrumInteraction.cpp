@@ -108,13 +108,13 @@ SpectrAction SpectrMouseDown(AppState&, SpectrViewState&, MouseButton b) {
 SpectrAction SpectrMouseMove(AppState& s, SpectrViewState& v, const AnalysisResults& r, double x, double y) {
   SpectrAction a;
   const SpectrCursor cursor = SpectrCursorOf(s);
-  if (cursor == SpectrCursor::None || v.W <= 0 || v.Scale == 0) return a;
+  if (cursor == SpectrCursor::None || v.widthPx <= 0 || v.Scale == 0) return a;
   const int g = SpectrGridN(s.options.config.ScaleSpectr);
   const double step = s.StepDesc;
   const int lines = std::clamp(s.SpectrLineCount, 0, kSpectrumLines);
-  const double hz = XToFrequency(x, v.W, g);
+  const double hz = XToFrequency(x, v.widthPx, g);
   // Lines within a few pixels: the decade's pixels per hertz tell how many.
-  const double hzPerPx = std::max(XToFrequency(x + 1.0, v.W, g) - hz, 1e-12);
+  const double hzPerPx = std::max(XToFrequency(x + 1.0, v.widthPx, g) - hz, 1e-12);
   const int snapLines = std::max(1, RoundHalfEven(kSnapPx * hzPerPx / std::max(step, 1e-12)));
   const int k = SpectrLineAt(r, lines, step, hz, cursor == SpectrCursor::Bound, snapLines);
   a.crosshair = a.statusBar = true;
@@ -127,12 +127,12 @@ SpectrAction SpectrMouseMove(AppState& s, SpectrViewState& v, const AnalysisResu
   v.CursorFrequency = k * step;
   v.CursorAmplitude = r.SpectrAmplitude[static_cast<size_t>(k)];
   v.CursorPhase = r.SpectrPhase[static_cast<size_t>(k)];
-  const auto lineX = FrequencyToX(v.CursorFrequency, v.W, g);
-  v.CursorX = cursor == SpectrCursor::Bound && lineX ? std::clamp(RoundHalfEven(*lineX), 0, v.W - 1)
-                                                     : std::clamp(RoundHalfEven(x), 0, v.W - 1);
+  const auto lineX = FrequencyToX(v.CursorFrequency, v.widthPx, g);
+  v.CursorX = cursor == SpectrCursor::Bound && lineX ? std::clamp(RoundHalfEven(*lineX), 0, v.widthPx - 1)
+                                                     : std::clamp(RoundHalfEven(x), 0, v.widthPx - 1);
   v.CursorY = cursor == SpectrCursor::Bound && v.UnitsPerPixel > 0.0
-                  ? std::clamp(RoundHalfEven(v.H - 1 - v.CursorAmplitude / v.UnitsPerPixel), 0, v.H - 1)
-                  : std::clamp(RoundHalfEven(y), 0, v.H - 1);
+                  ? std::clamp(RoundHalfEven(v.heightPx - 1 - v.CursorAmplitude / v.UnitsPerPixel), 0, v.heightPx - 1)
+                  : std::clamp(RoundHalfEven(y), 0, v.heightPx - 1);
   const QString label = cursor == SpectrCursor::Bound ? QStringLiteral("C2: ") : QStringLiteral("C1: ");
   const int order = HarmonicOrderAt(v.CursorFrequency, s.FreqOneGarmonic, step);
   const QString hzText = FormatStandard(v.CursorFrequency);

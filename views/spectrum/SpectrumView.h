@@ -54,8 +54,8 @@ enum class SpectrCursor { None, Free, Bound };  // key Cursor: -1, 0, 1
 SpectrCursor SpectrCursorOf(const AppState& s);
 
 struct SpectrViewState {
-  int W = 0;
-  int H = 0;
+  int widthPx = 0;
+  int heightPx = 0;
   int Scale = 0;              // E of the last drawing, 0: nothing drawn
   double UnitsPerPixel = 0.0;  // U of the last drawing
   bool Copying = false;        // drawn for the clipboard: guide lines in mask mode

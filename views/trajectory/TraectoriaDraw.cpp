@@ -50,76 +50,76 @@ double ZeroCode(const AppState& s, int c) {
 
 void AddCentredNote(const TraectoriaViewState& v, const FontMetrics& fm, const QString& text, const QString& reason,
                     BgrColor color, DrawList& list) {
-  const int x = (v.W - fm.widthOf(text.toStdString())) / 2;
-  const int y = (v.H - fm.lineHeight) / 3;
+  const int x = (v.widthPx - fm.widthOf(text.toStdString())) / 2;
+  const int y = (v.heightPx - fm.lineHeight) / 3;
   list.add(MakeText(x, y, text, color));
-  if (!reason.isEmpty()) list.add(MakeText(v.W / 2, y + fm.lineHeight + 2, reason, color, TextAnchor::TopCenter));
+  if (!reason.isEmpty()) list.add(MakeText(v.widthPx / 2, y + fm.lineHeight + 2, reason, color, TextAnchor::TopCenter));
 }
 
 void DrawAxesAndFrame(const AppState& s, const TraectoriaViewState& v, DrawList& list) {
   const Pen pen = MakePen(s.options.color.ColorGrid);
-  list.add(Line{0, v.CenterY, v.W, v.CenterY, pen});
-  list.add(Line{v.CenterX, 0, v.CenterX, v.H, pen});
-  list.add(Rect{0, 0, v.W, v.H, pen, false, 0});
+  list.add(Line{0, v.CenterY, v.widthPx, v.CenterY, pen});
+  list.add(Line{v.CenterX, 0, v.CenterX, v.heightPx, pen});
+  list.add(Rect{0, 0, v.widthPx, v.heightPx, pen, false, 0});
 }
 
 void DrawDirections(const AppState& s, const TraectoriaViewState& v, const FontMetrics& fm, DrawList& list) {
   const BgrColor color = s.options.color.ColorText;
   list.add(MakeText(v.CenterX + 2, 0, QStringLiteral("ВБ"), color));
   list.add(MakeText(1, v.CenterY - fm.lineHeight, QStringLiteral("ПБ"), color));
-  list.add(MakeText(v.W - 2, v.CenterY - fm.lineHeight, QStringLiteral("ЛБ"), color, TextAnchor::TopRight));
-  list.add(MakeText(v.CenterX + 2, v.H - fm.lineHeight - 2, QStringLiteral("НБ"), color));
+  list.add(MakeText(v.widthPx - 2, v.CenterY - fm.lineHeight, QStringLiteral("ЛБ"), color, TextAnchor::TopRight));
+  list.add(MakeText(v.CenterX + 2, v.heightPx - fm.lineHeight - 2, QStringLiteral("НБ"), color));
 }
 
 // Lines every tenth of the shorter side from the zero outward, with their
 // values in the units shown, signed as the axes read.
 void DrawGrid(const AppState& s, const TraectoriaViewState& v, const FontMetrics& fm, DrawList& list) {
-  const double stepPx = std::min(v.W, v.H) / 10.0;
+  const double stepPx = std::min(v.widthPx, v.heightPx) / 10.0;
   if (stepPx < 1.0 || v.ScaleXY <= 0) return;
   const double divider = v.UnitDivisor != 0.0 ? v.UnitDivisor : 1.0;
   const Pen pen = MakePen(s.options.color.ColorGrid, 1, DashStyle::Dot);
   const BgrColor color = s.options.color.ColorText;
   const int letterHeight = fm.lineHeight;
   int value = RoundHalfEven(v.ScaleXY / 5.0);
-  for (double d = stepPx; d <= std::abs(v.CenterY) + v.H; d += stepPx) {
+  for (double d = stepPx; d <= std::abs(v.CenterY) + v.heightPx; d += stepPx) {
     const int up = RoundHalfEven(v.CenterY - d);
-    if (up > 0 && up <= v.H) {
-      list.add(Line{v.W, up, 0, up, pen});
+    if (up > 0 && up <= v.heightPx) {
+      list.add(Line{v.widthPx, up, 0, up, pen});
       if (letterHeight < up) {
         const QString text = GridNumber(-(v.SignY * static_cast<double>(value)) / divider);
         list.add(MakeText(0, up, text, color));
-        list.add(MakeText(v.W, up, text, color, TextAnchor::TopRight));
+        list.add(MakeText(v.widthPx, up, text, color, TextAnchor::TopRight));
       }
     }
     const int down = RoundHalfEven(v.CenterY + d);
-    if (down > 0 && down <= v.H) {
-      list.add(Line{v.W, down, 0, down, pen});
-      if (down < v.H - letterHeight) {
+    if (down > 0 && down <= v.heightPx) {
+      list.add(Line{v.widthPx, down, 0, down, pen});
+      if (down < v.heightPx - letterHeight) {
         const QString text = GridNumber(v.SignY * static_cast<double>(value) / divider);
         list.add(MakeText(0, down, text, color, TextAnchor::BottomLeft));
-        list.add(MakeText(v.W, down, text, color, TextAnchor::BottomRight));
+        list.add(MakeText(v.widthPx, down, text, color, TextAnchor::BottomRight));
       }
     }
     value = RoundHalfEven(v.ScaleXY / 5.0 + value);
   }
   value = RoundHalfEven(v.ScaleXY / 5.0);
-  for (double d = stepPx; d <= std::abs(v.CenterX) + v.W; d += stepPx) {
+  for (double d = stepPx; d <= std::abs(v.CenterX) + v.widthPx; d += stepPx) {
     const int left = RoundHalfEven(v.CenterX - d);
-    if (left > 0 && left <= v.W) {
-      list.add(Line{left, v.H, left, 0, pen});
+    if (left > 0 && left <= v.widthPx) {
+      list.add(Line{left, v.heightPx, left, 0, pen});
       const QString text = GridNumber(-(v.SignX * static_cast<double>(value)) / divider);
       if (fm.widthOf(text.toStdString()) / 2 < left) {
         list.add(MakeText(left, 0, text, color));
-        list.add(MakeText(left, v.H, text, color, TextAnchor::BottomLeft));
+        list.add(MakeText(left, v.heightPx, text, color, TextAnchor::BottomLeft));
       }
     }
     const int right = RoundHalfEven(v.CenterX + d);
-    if (right > 0 && right <= v.W) {
-      list.add(Line{right, v.H, right, 0, pen});
+    if (right > 0 && right <= v.widthPx) {
+      list.add(Line{right, v.heightPx, right, 0, pen});
       const QString text = GridNumber(v.SignX * static_cast<double>(value) / divider);
-      if (right < v.W - fm.widthOf(text.toStdString()) / 2) {
+      if (right < v.widthPx - fm.widthOf(text.toStdString()) / 2) {
         list.add(MakeText(right, 0, text, color, TextAnchor::TopRight));
-        list.add(MakeText(right, v.H, text, color, TextAnchor::BottomRight));
+        list.add(MakeText(right, v.heightPx, text, color, TextAnchor::BottomRight));
       }
     }
     value = RoundHalfEven(v.ScaleXY / 5.0 + value);
@@ -247,13 +247,13 @@ void InitTraectoriaView(const AppState& s, TraectoriaViewState& v) {
 }
 
 void ResizeTraectoria(TraectoriaViewState& v, int widthPx, int heightPx) {
-  v.W = std::max(0, widthPx);
-  v.H = std::max(0, heightPx);
-  v.CenterX = v.W / 2;
-  v.CenterY = v.H / 2;
+  v.widthPx = std::max(0, widthPx);
+  v.heightPx = std::max(0, heightPx);
+  v.CenterX = v.widthPx / 2;
+  v.CenterY = v.heightPx / 2;
   v.FlatScrollBarHMin = v.FlatScrollBarVMin = 0;
-  v.FlatScrollBarHMax = v.W;
-  v.FlatScrollBarVMax = v.H;
+  v.FlatScrollBarHMax = v.widthPx;
+  v.FlatScrollBarVMax = v.heightPx;
   v.FlatScrollBarH = v.CenterX;
   v.FlatScrollBarV = v.CenterY;
 }
@@ -288,7 +288,7 @@ void PrepareTraectoria(AppState& s, AnalysisResults& r, TraectoriaViewState& v) 
   SetChannelUnit(s, v.ScaleXY);
   v.UnitName = s.UnitName;
   v.UnitDivisor = s.UnitDivisor != 0.0 ? s.UnitDivisor : 1.0;
-  v.UnitsPerPixel = UnitsPerPixelFor(v.ScaleXY, v.W, v.H);
+  v.UnitsPerPixel = UnitsPerPixelFor(v.ScaleXY, v.widthPx, v.heightPx);
   v.SliderVToolTip = v.SliderV == -1 ? QStringLiteral("Авто")
                                      : GridNumber(v.ScaleXY / v.UnitDivisor).trimmed() + QStringLiteral(" ") + v.UnitName;
   if (!v.Paired) return;
@@ -320,7 +320,7 @@ void PrepareTraectoria(AppState& s, AnalysisResults& r, TraectoriaViewState& v) 
 std::vector<Line> OrbitRuns(const AppState& s, const TraectoriaViewState& v, int lastSample) {
   const int first = std::clamp(v.BeginSample, 1, SampleCount(s));
   const int last = std::min({v.EndSample, lastSample, SampleCount(s)});
-  if (v.W <= 0 || v.H <= 0 || last < first) return {};
+  if (v.widthPx <= 0 || v.heightPx <= 0 || last < first) return {};
   // Codes are 16-bit: each maps to its pixel once.
   const OrbitMap map = MapOf(v);
   std::vector<int32_t> toX(65536), toY(65536);
@@ -328,7 +328,7 @@ std::vector<Line> OrbitRuns(const AppState& s, const TraectoriaViewState& v, int
     toX[static_cast<size_t>(code + 32768)] = map.x(code);
     toY[static_cast<size_t>(code + 32768)] = map.y(code);
   }
-  Coverage coverage(v.W, v.H);
+  Coverage coverage(v.widthPx, v.heightPx);
   const int16_t* row = s.SignalData.data() + static_cast<size_t>(first - 1) * SampleStore::kColumns;
   const size_t cx = static_cast<size_t>(v.ChannelX - 1), cy = static_cast<size_t>(v.ChannelY - 1);
   int px = toX[static_cast<size_t>(row[cx] + 32768)];
@@ -348,12 +348,12 @@ std::vector<Line> OrbitRuns(const AppState& s, const TraectoriaViewState& v, int
 
 DrawList DrawTraectoria(const AppState& s, const TraectoriaViewState& v, const FontMetrics& fm, int lastSample) {
   DrawList list;
-  list.width = std::max(0, v.W);
-  list.height = std::max(0, v.H);
+  list.width = std::max(0, v.widthPx);
+  list.height = std::max(0, v.heightPx);
   list.background = ViewBackground(s);
   const ColorOptions& colors = s.options.color;
-  if (v.W < kMinPicturePx || v.H < kMinPicturePx) {
-    list.add(MakeText(v.W / 2, v.H / 2, QString::fromUtf8(kTooSmallNote), colors.ColorText, TextAnchor::Center));
+  if (v.widthPx < kMinPicturePx || v.heightPx < kMinPicturePx) {
+    list.add(MakeText(v.widthPx / 2, v.heightPx / 2, QString::fromUtf8(kTooSmallNote), colors.ColorText, TextAnchor::Center));
     return list;
   }
   const QStringList refusal = TraectoriaRefusal(s, v);
@@ -395,10 +395,10 @@ DrawList DrawTraectoria(const AppState& s, const TraectoriaViewState& v, const F
     if (o.CenterRotor) Cross(v.TrajectoryX, v.TrajectoryY, s.channels.ChannelColor[f], list);
     if (o.BeginPoint) Cross(v.BeginPointX, v.BeginPointY, colors.ColorBeginPoint, list);
   }
-  const std::vector<Line> dart = DirectionDart(v.W, v.H, v.TrajectoryX, v.TrajectoryY);
+  const std::vector<Line> dart = DirectionDart(v.widthPx, v.heightPx, v.TrajectoryX, v.TrajectoryY);
   if (!dart.empty()) {
     for (const Line& stroke : dart) list.add(stroke);
-    list.add(MakeText(v.W / 2, v.H / 2, QStringLiteral("Центр траектории"), dart.front().pen.color, TextAnchor::Center));
+    list.add(MakeText(v.widthPx / 2, v.heightPx / 2, QStringLiteral("Центр траектории"), dart.front().pen.color, TextAnchor::Center));
   }
   return list;
 }
@@ -420,8 +420,8 @@ void AppendTraectoriaCrosshair(const TraectoriaViewState& v, DrawList& list) {
   if (v.CursorX < 0 || v.CursorY < 0) return;
   Pen pen = MakePen(0xFFFFFF);
   pen.xorMode = true;
-  list.add(Line{v.CursorX, 0, v.CursorX, v.H, pen});
-  list.add(Line{0, v.CursorY, v.W, v.CursorY, pen});
+  list.add(Line{v.CursorX, 0, v.CursorX, v.heightPx, pen});
+  list.add(Line{0, v.CursorY, v.widthPx, v.CursorY, pen});
 }
 
 }  // namespace aqx::views

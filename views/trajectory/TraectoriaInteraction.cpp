@@ -102,7 +102,7 @@ TraectoriaAction TraectoriaMouseMove(const AppState& s, TraectoriaViewState& v, 
     a.redraw = a.controls = true;
     return a;
   }
-  if (cursorMode && !leftHeld && x >= 0 && x < v.W && y >= 0 && y < v.H) {
+  if (cursorMode && !leftHeld && x >= 0 && x < v.widthPx && y >= 0 && y < v.heightPx) {
     v.CursorX = x;
     v.CursorY = y;
     v.CursorTextX = QString::number(IntFloor((v.CenterX - x) * v.UnitsPerPixel));
@@ -193,7 +193,7 @@ TraectoriaAction TraectoriaPanelClicked(AppState& s, TraectoriaViewState& v, Tra
   return {};
 }
 
-TraectoriaLayout TraectoriaFormResize(int innerWidthPx, int innerHeightPx, bool statusBar, const TraectoriaBarSizes& bars) {
+TraectoriaLayout TraectoriaLayoutForSize(int innerWidthPx, int innerHeightPx, bool statusBar, const TraectoriaBarSizes& bars) {
   TraectoriaLayout l;
   int bottom = innerHeightPx;
   if (statusBar) {

@@ -55,8 +55,8 @@ QString GridNumber(double value);
 // ---------------------------------------------------------------------------
 
 struct TraectoriaViewState {
-  int W = 0;  // picture, pixels
-  int H = 0;
+  int widthPx = 0;  // picture, pixels
+  int heightPx = 0;
   int CenterX = 0;  // pixel of the plane's zero
   int CenterY = 0;
   int ScaleXY = -1;  // half the shorter side in units; -1 none chosen yet
@@ -194,7 +194,7 @@ TraectoriaAction TraectoriaBeginPointView(AppState& s);
 TraectoriaAction TraectoriaPanelClicked(AppState& s, TraectoriaViewState& v, TraectoriaPanel panel);
 
 // ---------------------------------------------------------------------------
-// FormResize: the bars around the picture.
+// LayoutForSize: the bars around the picture.
 // ---------------------------------------------------------------------------
 
 struct TraectoriaRect {
@@ -212,7 +212,7 @@ struct TraectoriaBarSizes {
   int sliderPx = 24;
 };
 
-TraectoriaLayout TraectoriaFormResize(int innerWidthPx, int innerHeightPx, bool statusBar,
+TraectoriaLayout TraectoriaLayoutForSize(int innerWidthPx, int innerHeightPx, bool statusBar,
                                       const TraectoriaBarSizes& bars = {});
 
 }  // namespace aqx::views
