@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -106,6 +107,24 @@ TEST(SpectrumPicture, GridsGuideLinesAndTraceFollowTheOptions) {
   EXPECT_EQ(traces[0].ys.front(), 299);
   // The tone's top reaches 80 of 100 units of the height (H - 1 while drawing).
   EXPECT_NEAR(*std::min_element(traces[0].ys.begin(), traces[0].ys.end()), 299 - 80 * 3, 2);
+}
+
+TEST(SpectrumPicture, LevelLabelsNeverOverprintOnALowPicture) {
+  for (const int heightPx : {300, 160, 120, 60}) {
+    SpectrFixture f;
+    f.v.heightPx = heightPx;
+    const views::DrawList list = f.draw();
+    std::vector<std::pair<int, int>> boxes;  // top and bottom of each level label
+    for (const views::Text& text : ItemsOf<views::Text>(list)) {
+      if (text.x != 2) continue;
+      const int top = text.anchor == views::TextAnchor::TopLeft ? text.y : text.y - f.fm.lineHeight;
+      boxes.emplace_back(top, top + f.fm.lineHeight);
+    }
+    ASSERT_FALSE(boxes.empty());
+    std::sort(boxes.begin(), boxes.end());
+    for (size_t i = 1; i < boxes.size(); ++i)
+      EXPECT_LE(boxes[i - 1].second, boxes[i].first) << "height " << heightPx << ", label " << i;
+  }
 }
 
 TEST(SpectrumPicture, RangeZeroDrawsOnlyTheFirstDecadeAndHistogramBarsStopAbove) {

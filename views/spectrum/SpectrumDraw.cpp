@@ -56,11 +56,19 @@ void DrawGrids(const AppState& s, const SpectrViewState& v, int g, const FontMet
                       TextAnchor::TopRight));
   }
   const double divisor = s.UnitDivisor != 0.0 ? s.UnitDivisor : 1.0;
+  // On a low picture only every second (or third...) level is labelled, and
+  // none that would run into the top one: labels never overprint.
+  const double levelPx = v.heightPx / 10.0;
+  const int labelEvery = std::max(1, static_cast<int>(std::ceil(fm.lineHeight / std::max(1.0, levelPx))));
   for (int j = 1; j <= 10; ++j) {
-    const int y = RoundHalfEven(v.heightPx - j * v.heightPx / 10.0);
+    const int y = RoundHalfEven(v.heightPx - j * levelPx);
     list.add(Line{0, y, v.widthPx, y, pen});
     const QString label = LevelLabel(j * v.Scale / 10.0 / divisor);
-    list.add(j == 10 ? MakeText(2, 1, label, text, TextAnchor::TopLeft) : MakeText(2, y, label, text, TextAnchor::BottomLeft));
+    if (j == 10) {
+      list.add(MakeText(2, 1, label, text, TextAnchor::TopLeft));
+    } else if (j % labelEvery == 0 && y - fm.lineHeight >= 1 + fm.lineHeight) {
+      list.add(MakeText(2, y, label, text, TextAnchor::BottomLeft));
+    }
   }
 }
 
