@@ -226,8 +226,11 @@ bool ReadDataFileAs(AppState& s, Prompts& p, bool withSamples) {
       std::clamp<int64_t>(f.fileSamplesPerChannel, 1, static_cast<int64_t>(kMaxSamples)));
   // Every byte of the samples is read once before the store is touched (the
   // second pass then comes from the page cache), so that a read error
-  // leaves the previous recording whole without a second 64 MiB store.
-  if (withSamples && !f.header.SolidMode && !ReadSamples(file, f, keep, nullptr, p)) return false;
+  // leaves the previous recording whole without a second 64 MiB store. A
+  // store that has never held a sample has nothing to lose: one pass.
+  const bool storeHoldsSamples = s.SignalData.residentBytes() > 0;
+  if (withSamples && storeHoldsSamples && !f.header.SolidMode && !ReadSamples(file, f, keep, nullptr, p))
+    return false;
 
   // The block of a continuous file is read after the header is in; a
   // failure there puts the previous values back.
