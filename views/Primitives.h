@@ -27,11 +27,14 @@ struct Line {
   Pen pen;
 };
 
-// Connected line through the points, one pen.
+// Connected line through the points, one pen; filled, the closed shape
+// they outline is painted in the fill colour and the pen draws its outline.
 struct Polyline {
   std::vector<int> xs;
   std::vector<int> ys;
   Pen pen;
+  bool filled = false;
+  BgrColor fill = 0;
 };
 
 struct Rect {

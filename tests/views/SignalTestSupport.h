@@ -96,6 +96,11 @@ inline bool HasText(const views::DrawList& list, const QString& text) {
   return false;
 }
 
-inline std::vector<views::Polyline> TracesOf(const views::DrawList& list) { return ItemsOf<views::Polyline>(list); }
+// The drawn lines, not the filled shapes that hide what lies behind them.
+inline std::vector<views::Polyline> TracesOf(const views::DrawList& list) {
+  std::vector<views::Polyline> traces = ItemsOf<views::Polyline>(list);
+  std::erase_if(traces, [](const views::Polyline& p) { return p.filled; });
+  return traces;
+}
 
 }  // namespace aqx::testing_views

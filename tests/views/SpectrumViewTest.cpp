@@ -262,7 +262,17 @@ TEST(CascadeBox, PartsFollowTheRecordAndMarkersShowAnEmptyFrame) {
   EXPECT_NEAR(peak(v.parts[3]), 800.0, 8.0);
   EXPECT_EQ(v.Scale, 1000);
   const views::DrawList list = views::DrawCascade(*s, v);
-  EXPECT_EQ(TracesOf(list).size(), 4u);
+  const auto traces = TracesOf(list);
+  ASSERT_EQ(traces.size(), 4u);
+  // Each plane hides what lies behind it under its own trace, nothing above.
+  std::vector<views::Polyline> grounds = ItemsOf<views::Polyline>(list);
+  std::erase_if(grounds, [](const views::Polyline& p) { return !p.filled; });
+  ASSERT_EQ(grounds.size(), 4u);
+  for (size_t part = 0; part < 4; ++part) {
+    const std::vector<int> under(grounds[part].ys.begin(), grounds[part].ys.end() - 1);
+    EXPECT_EQ(under, traces[part].ys) << "part " << part;
+    EXPECT_EQ(grounds[part].ys.back(), grounds[part].ys.front());
+  }
   s->channels.Type[1] = 3;
   views::PrepareCascade(*s, v);
   const views::DrawList marker = views::DrawCascade(*s, v);

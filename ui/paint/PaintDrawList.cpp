@@ -182,6 +182,14 @@ struct Painter {
       p.drawPoint(poly.xs[0], poly.ys[0]);
       return;
     }
+    if (poly.filled) {
+      QPolygon shape(static_cast<int>(n));
+      for (size_t i = 0; i < n; ++i) shape.setPoint(static_cast<int>(i), poly.xs[i], poly.ys[i]);
+      p.setBrush(ToQColor(poly.fill));
+      p.drawPolygon(shape);
+      p.setBrush(Qt::NoBrush);
+      return;
+    }
     if (IsPlainPen(p, poly.pen)) {
       // Opaque ink in one colour: the order of the strokes does not show.
       StrokeFiller filler(p, ToQColor(poly.pen.color));

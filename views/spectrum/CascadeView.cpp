@@ -73,11 +73,25 @@ void DrawPart(const AppState& s, const CascadeViewState& v, const CascadeBox& bo
   const Pen pen = MakePen(s.channels.ChannelColor[c], s.channels.ChannelLineWidthSpectr[c]);
   const auto yOf = [&](float a) { return bottom - std::min(box.BoxH, RoundHalfEven(a / v.UnitsPerPixel)); };
   const int count = std::min(static_cast<int>(columns.size()), box.BoxW);
-  // What lies behind this plane, up to its highest line, is hidden by its
-  // ground; the empty upper part of a plane need not be filled.
-  const float highest = columns.empty() ? 0.0f : *std::max_element(columns.begin(), columns.begin() + count);
-  list.add(Rect{left, yOf(std::max(highest, 0.0f)), left + box.BoxW + 1, bottom + 1, MakePen(ViewBackground(s)), true,
-                ViewBackground(s)});
+  // What lies behind this plane's trace is hidden by the ground under it;
+  // the rest of the plane stays see-through, and the fill is no larger than
+  // the area under the spectrum.
+  Polyline ground;
+  ground.pen = MakePen(ViewBackground(s));
+  ground.filled = true;
+  ground.fill = ViewBackground(s);
+  ground.xs.reserve(static_cast<size_t>(count) + 2);
+  ground.ys.reserve(static_cast<size_t>(count) + 2);
+  ground.xs.push_back(left);
+  ground.ys.push_back(bottom);
+  for (int x = 0; x < count; ++x) {
+    if (columns[static_cast<size_t>(x)] < 0.0f) continue;
+    ground.xs.push_back(left + x);
+    ground.ys.push_back(yOf(columns[static_cast<size_t>(x)]));
+  }
+  ground.xs.push_back(left + std::max(count - 1, 0));
+  ground.ys.push_back(bottom);
+  list.add(std::move(ground));
   if (s.options.spectrum.SpectrumViewType == 0) {
     for (int x = 0; x < count; ++x)
       if (columns[static_cast<size_t>(x)] >= 0.0f) list.add(Line{left + x, bottom, left + x, yOf(columns[static_cast<size_t>(x)]), pen});
@@ -150,10 +164,12 @@ void PrepareCascade(AppState& s, CascadeViewState& v) {
   const int per = CascadePartSamples(s.SignalDataN, v.CascadeN);
   const int g = SpectrGridN(s.options.config.ScaleSpectr);
   const double top = SpectrRangeTopHz(s.options.config.ScaleSpectr);
-  // One spectrum's arrays, reused part after part.
-  std::vector<double> amplitude(static_cast<size_t>(kSpectrumLines));
+  // One spectrum's lines, reused part after part: a part of `per` samples
+  // has at most per/2 (rounded) lines, so the buffer stays small and warm.
+  std::vector<double> amplitude(static_cast<size_t>(std::min(kSpectrumLines, per / 2 + 1)));
   for (int part = 0; part < v.CascadeN; ++part) {
     SpectrumOut out{amplitude.data(), nullptr, nullptr};
+    out.amplitudeOnly = true;
     const int first = part * per + 1;
     SpectrumOfRows(s, c, 0, 0, first, first + per - 1, out);
     v.CascadeMax = std::max(v.CascadeMax, static_cast<double>(out.SpectrMax));

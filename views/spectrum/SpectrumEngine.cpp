@@ -20,7 +20,7 @@ void SpectrumOfRows(const AppState& s, int channel, int selectFirst, int selectL
   const int window = s.options.config.SmoothingWindow;
   const int overlap = s.options.config.Overlapping;
   const int32_t filterConst = s.options.parameters.StatusFilterConst ? 1 : 0;
-  const int32_t marks = std::clamp(s.ShaftMarkCount, 0, kMaxShaftMarks);
+  const int32_t marks = out.amplitudeOnly ? 0 : std::clamp(s.ShaftMarkCount, 0, kMaxShaftMarks);
   double step = s.StepDesc;
   if (window == kEngineWindowIndex && overlap == kEngineOverlap) {
     const int32_t flag = s.ViewOpenFlags[frmViewSpectr] ? -1 : 0;

@@ -18,6 +18,9 @@ struct SpectrumOut {
   double StepDesc = 0.0;
   int32_t SpectrLineCount = 0;
   int32_t SpectrMax = 0;
+  // Amplitudes alone: the phases need not be turned to the shaft marks, which
+  // saves a rotation per line and leaves every amplitude as it is.
+  bool amplitudeOnly = false;
 };
 
 // The spectrum of `channel` over the selection when both ends are set, else
