@@ -17,6 +17,7 @@ int RunProtocolMaster(ToolContext& ctx);
 int RunProtocolTemplate(ToolContext& ctx);
 int RunSpectrum(ToolContext& ctx);
 int RunRotorForm(ToolContext& ctx);
+int RunEdit(ToolContext& ctx);
 
 namespace {
 const ToolCommand kCommands[] = {
@@ -30,6 +31,8 @@ const ToolCommand kCommands[] = {
     {"demo", "demo OUT.aqx [--seconds S]   demonstration recording of the virtual module", RunDemo},
     {"spectrum", "spectrum FILE --channel C [--first A --last B] [--json] [--csv OUT]  what the spectrum window shows", RunSpectrum},
     {"rotor-form", "rotor-form FILE [--channel C] [--json]  rotor form: pole by pole EMF of every revolution and their average", RunRotorForm},
+    {"edit", "edit IN OUT.aqx cut|smooth|zero|copy-to ROW|shift ANGLE|reaccount [--channel C --first A --last B]  "
+     "an edit of the signal menu; edit IN values: the values as text", RunEdit},
     {"record", "record OUT.aqx --mode cyclic|solid --seconds S  measurement run with the settings' channels", RunRecord},
     {"protocol", "protocol FOLDER OUT.xlsx     protocol of the recordings of a folder", RunProtocol},
     {"protocol-master", "protocol-master OUT.xlsx FILE... [--channels \"A;B\"] [--parameters \"P;Q\"] [--list]  "
