@@ -76,8 +76,9 @@ TEST(ObjectForm, ApplyTrimsTextsTakesNoNumberAsUnitZeroAndMarksTheRecordingChang
 
 TEST(PlayerPicture, DrawsEachColumnsExtremesAndThePlayingPosition) {
   auto s = testing_views::MakeState(1000);
-  // A square wave of +-1000: every column spans the whole height.
-  for (int k = 1; k <= 1000; ++k) s->SignalData.at(k, 1) = static_cast<int16_t>(k % 2 == 0 ? 1000 : -1000);
+  // A square wave of 3000 +- 1000, as a probe with its offset: every
+  // column spans the whole height.
+  for (int k = 1; k <= 1000; ++k) s->SignalData.at(k, 1) = static_cast<int16_t>(k % 2 == 0 ? 4000 : 2000);
   const DrawList list = PlayerPicture(*s, 1, 100, 50, 0.5);
   ASSERT_EQ(list.items.size(), 101u);
   const auto& first = std::get<Line>(list.items[0]);

@@ -31,14 +31,17 @@ DrawList PlayerPicture(const AppState& s, int channel, int widthPx, int heightPx
   list.background = 0x000000;
   const int n = std::clamp(s.SignalDataN, 0, kMaxSamples);
   if (widthPx < 2 || heightPx < 2 || n < 1 || channel < 1 || channel > kMaxChannels) return list;
-  int least = 0, greatest = 0;
-  for (int k = 1; k <= n; ++k) {
+  // The trace fills the height around its own middle: a probe's offset
+  // would otherwise push it against an edge.
+  int least = s.SignalData.at(1, channel), greatest = least;
+  for (int k = 2; k <= n; ++k) {
     least = std::min<int>(least, s.SignalData.at(k, channel));
     greatest = std::max<int>(greatest, s.SignalData.at(k, channel));
   }
-  const double span = std::max(1, std::max(-least, greatest));
+  const double span = std::max(1.0, (greatest - least) / 2.0);
+  const double centreCode = (greatest + least) / 2.0;
   const double middle = heightPx / 2.0;
-  const auto y = [&](int code) { return RoundHalfEven(middle - code / span * (middle - 2)); };
+  const auto y = [&](int code) { return RoundHalfEven(middle - (code - centreCode) / span * (middle - 2)); };
   const BgrColor trace = 0x00FF00;
   for (int x = 0; x < widthPx; ++x) {
     const int from = 1 + static_cast<int>(static_cast<int64_t>(x) * n / widthPx);
