@@ -80,6 +80,13 @@ void CutAndStretch(AppState& s, const std::vector<int>& channels, int first, int
   }
 }
 
+// Every edit leaves the recording unsaved and its undo step complete.
+EditResult Finished(AppState& s, EditHistory& history) {
+  s.DataSaved = false;
+  history.commit(s);
+  return EditResult::Changed;
+}
+
 QString PlainNumber(double v, const QLocale& locale) {
   QString text = locale.toString(v, 'f', 6);
   const QString point = locale.decimalPoint();
@@ -124,9 +131,7 @@ EditResult SignalDelete(AppState& s, Prompts& prompts, EditHistory& history) {
   s.FreqDesc = RoundHalfEven(static_cast<double>(s.FreqDesc) * n / (n - cutRows));
   s.StepDesc = static_cast<double>(s.FreqDesc) / n;
   s.SelectFirst = s.SelectLast = 0;
-  s.DataSaved = false;
-  history.commit(s);
-  return EditResult::Changed;
+  return Finished(s, history);
 }
 
 EditResult SignalSmoothly(AppState& s, Prompts& prompts, EditHistory& history) {
@@ -143,9 +148,7 @@ EditResult SignalSmoothly(AppState& s, Prompts& prompts, EditHistory& history) {
     v += step;
   }
   s.SelectFirst = s.SelectLast = 0;
-  s.DataSaved = false;
-  history.commit(s);
-  return EditResult::Changed;
+  return Finished(s, history);
 }
 
 EditResult SignalZero(AppState& s, Prompts& prompts, EditHistory& history) {
@@ -153,9 +156,7 @@ EditResult SignalZero(AppState& s, Prompts& prompts, EditHistory& history) {
   const int c = s.FirstChannelActive;
   history.begin(s, s.SelectFirst, s.SelectLast, {c});
   for (int row = s.SelectFirst; row <= s.SelectLast; ++row) s.SignalData.at(row, c) = 0;
-  s.DataSaved = false;
-  history.commit(s);
-  return EditResult::Changed;
+  return Finished(s, history);
 }
 
 EditResult SignalMemory(const AppState& s, Prompts& prompts, SignalClipboard& clipboard) {
@@ -183,9 +184,7 @@ EditResult SignalPaste(AppState& s, Prompts& prompts, const SignalClipboard& cli
   const int c = s.FirstChannelActive;
   history.begin(s, s.SelectFirst, s.SelectFirst + count - 1, {c});
   for (int k = 0; k < count; ++k) s.SignalData.at(s.SelectFirst + k, c) = clipboard[static_cast<size_t>(k)];
-  s.DataSaved = false;
-  history.commit(s);
-  return EditResult::Changed;
+  return Finished(s, history);
 }
 
 std::optional<double> ParseShiftAngle(const QString& text) {
@@ -217,9 +216,7 @@ EditResult SignalShift(AppState& s, Prompts& prompts, EditHistory& history) {
   const int c = s.FirstChannelActive;
   history.begin(s, 1, s.SignalDataN, {c});
   ShiftSignal(s.SignalData.data(), s.SignalDataN, c, *angle, s.ShaftMarkCount, s.ShaftMarks.data());
-  s.DataSaved = false;
-  history.commit(s);
-  return EditResult::Changed;
+  return Finished(s, history);
 }
 
 EditResult SetupReAccount(AppState& s, Prompts& prompts, EditHistory& history) {
