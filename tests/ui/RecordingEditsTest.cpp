@@ -182,6 +182,10 @@ TEST(RecordingEdits, DescriptionGoesToTheStatusBarTheFileAndTheCopyHeader) {
   EXPECT_FALSE(s.DataSaved);
   EXPECT_EQ(w.window->mainStatus()->text(QStringLiteral("Station")), QStringLiteral("Богучанская ГЭС"));
   EXPECT_EQ(w.store.get(QStringLiteral("Config"), QStringLiteral("Station")), QStringLiteral("Богучанская ГЭС"));
+  w.window->signalWindow()->CopyPicture();
+  const QString header = QGuiApplication::clipboard()->text();
+  EXPECT_TRUE(header.contains(QStringLiteral("Богучанская ГЭС, Гидроагрегат №7"))) << header.toStdString();
+  EXPECT_TRUE(header.contains(QStringLiteral("Режим: Номинальная нагрузка")));
   const QString path = w.path(QStringLiteral("described.aqx"));
   s.PathFileData = path;
   ASSERT_TRUE(WriteDataFile(s, w.prompts));
