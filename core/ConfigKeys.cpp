@@ -67,6 +67,7 @@ const SettingKey kScalarKeys[] = {
     {kSectionSignal, "Control", "1", [](AppState& s) -> F { return &s.options.signal.Control; }, {"Элементы управления", "mnuSignalControl", 1}},
     {kSectionSignal, "StatusBar", "1", [](AppState& s) -> F { return &s.options.signal.StatusBar; }, {"Информационная строка", "mnuSignalStatusBar", 1}},
     {kSectionSignal, "Cursor", "-1", [](AppState& s) -> F { return &s.options.signal.Cursor; }},
+    {kSectionSignal, "Corner", "0", [](AppState& s) -> F { return &s.options.signal.Corner; }},
     {kSectionSignal, "SignalViewColorProperty", "1", [](AppState& s) -> F { return &s.options.signal.SignalViewColorProperty; }},
     // Spectrum view: the ticks of its menu in their groups, then the rest.
     {kSectionSpectr, "ViewGarmonic", "0", [](AppState& s) -> F { return &s.options.spectr.ViewGarmonic; }, {"Гармоники", "mnuSpectrGarmonica", 1}},

@@ -65,6 +65,7 @@ struct SignalOptions {
   bool LineCenter = false;
   bool LineZero = true;
   bool BeginPoint = false;
+  double Corner = 0.0;               // last angle of the phase shift, degrees
 };
 
 // Section Spectr: the spectrum view.

@@ -3,6 +3,7 @@
 namespace aqx::tool {
 
 // One row per command; the functions are declared in tools/Commands.h.
+
 namespace {
 const ToolCommand kCommands[] = {
     {"version", "version                      program version", RunVersion},
@@ -15,6 +16,8 @@ const ToolCommand kCommands[] = {
     {"demo", "demo OUT.aqx [--seconds S]   demonstration recording of the virtual module", RunDemo},
     {"spectrum", "spectrum FILE --channel C [--first A --last B] [--json] [--csv OUT]  what the spectrum window shows", RunSpectrum},
     {"rotor-form", "rotor-form FILE [--channel C] [--json]  rotor form: pole by pole EMF of every revolution and their average", RunRotorForm},
+    {"edit", "edit IN OUT.aqx cut|smooth|zero|copy-to ROW|shift ANGLE|reaccount [--channel C --first A --last B]  "
+     "an edit of the signal menu; edit IN values: the values as text", RunEdit},
     {"record", "record OUT.aqx --mode cyclic|solid --seconds S  measurement run with the settings' channels", RunRecord},
     {"protocol", "protocol FOLDER OUT.xlsx     protocol of the recordings of a folder", RunProtocol},
     {"protocol-master", "protocol-master OUT.xlsx FILE... [--channels \"A;B\"] [--parameters \"P;Q\"] [--list]  "

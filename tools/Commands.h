@@ -20,5 +20,6 @@ int RunProtocolMaster(ToolContext& ctx);
 int RunProtocolTemplate(ToolContext& ctx);
 int RunSpectrum(ToolContext& ctx);
 int RunRotorForm(ToolContext& ctx);
+int RunEdit(ToolContext& ctx);
 
 }  // namespace aqx::tool

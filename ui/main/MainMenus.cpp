@@ -8,6 +8,7 @@
 #include "ui/common/PanelBar.h"
 #include "ui/main/Workspace.h"
 #include "ui/rotor/ShaftViews.h"
+#include "ui/editing/RecordingEdits.h"
 #include "ui/signal/SignalWindow.h"
 
 #include <QActionGroup>
@@ -95,8 +96,8 @@ void MainWindow::buildFileMenu() {
   save->setShortcut(QKeySequence::Save);
   addLaterCommand(mnuFile_, "mnuFileFiles", QStringLiteral("Файлы"));
   mnuFile_->addSeparator();
-  addLaterCommand(mnuFile_, "mnuFileImport", QStringLiteral("Импорт"));
-  addLaterCommand(mnuFile_, "mnuFileExport", QStringLiteral("Экспорт"));
+  edits_->addCommand(mnuFile_, "mnuFileImport", QStringLiteral("Импорт"));
+  edits_->addCommand(mnuFile_, "mnuFileExport", QStringLiteral("Экспорт"));
   mnuFile_->addSeparator();
   QAction* copy = addCommand(mnuFile_, "mnuFileCopy", QStringLiteral("Копировать"), &MainWindow::mnuFileCopy);
   copy->setIcon(MakeToolIcon(ToolIcon::Copy));
@@ -162,7 +163,7 @@ void MainWindow::buildViewMenu() {
   }
   addToggle(view, "mnuViewImposition", QStringLiteral("Наложение сигналов"), &MainWindow::mnuViewImposition)
       ->setIcon(MakeToolIcon(ToolIcon::Imposition));
-  addLaterCommand(view, "mnuViewMarker", QStringLiteral("Маркеры"));
+  edits_->addCommand(view, "mnuViewMarker", QStringLiteral("Маркеры"));
   addLaterCommand(view, "mnuViewStatusFile", QStringLiteral("Информация файла данных"));
   view->addSeparator();
   QMenu* styles = view->addMenu(QStringLiteral("С&тиль"));
@@ -214,6 +215,8 @@ void MainWindow::buildOtherMenus() {
       addLaterCommand(setup, e.name, QString::fromUtf8(e.caption));
     }
   }
+  edits_->adoptCommand("mnuSetupReAccount");
+  edits_->adoptCommand("mnuSetupObject");
 
   QMenu* service = menuBar()->addMenu(QStringLiteral("С&ервис"));
   service->setObjectName(QStringLiteral("mnuService"));
@@ -223,7 +226,7 @@ void MainWindow::buildOtherMenus() {
   addLaterCommand(service, "mnuServiceOtm", QStringLiteral("Искуственный отметчик"));
   addCommand(service, "mnuHelpADC", QStringLiteral("Информация АЦП"), &MainWindow::mnuHelpADC)->setCheckable(true);
   addCommand(service, "mnuServiceDigitalLines", QStringLiteral("Цифровые линии"), &MainWindow::mnuServiceDigitalLines);
-  addLaterCommand(service, "mnuServicePlayerSound", QStringLiteral("Проигрыватель"));
+  edits_->addCommand(service, "mnuServicePlayerSound", QStringLiteral("Проигрыватель"));
   actions_.value(QStringLiteral("mnuHelpADC"))->setIcon(MakeToolIcon(ToolIcon::ADC));
 
   QMenu* window = menuBar()->addMenu(QStringLiteral("О&кно"));
@@ -277,11 +280,7 @@ void MainWindow::buildSignalMenu() {
   addCommand(mnuSignal_, "mnuSignalCopyPicture", QStringLiteral("Копировать рисунок"), &MainWindow::mnuSignalCopy)
       ->setIcon(MakeToolIcon(ToolIcon::Copy));
   mnuSignal_->addSeparator();
-  const std::pair<const char*, const char*> edits[] = {
-      {"mnuSignalDelete", "Вырезать"}, {"mnuSignalSmoothly", "Сгладить"}, {"mnuSignalZero", "Обнулить"},
-      {"mnuSignalMemory", "Запомнить"}, {"mnuSignalPaste", "Вставить"},  {"mnuSignalShift", "Сдвинуть"},
-      {"mnuSignalCopyData", "Копировать значения"}};
-  for (const auto& [name, caption] : edits) addLaterCommand(mnuSignal_, name, QString::fromUtf8(caption));
+  edits_->addSignalCommands(mnuSignal_);
 }
 
 void MainWindow::buildToolbars() {

@@ -7,6 +7,7 @@
 #include "ui/acquisition/MeasurementRun.h"
 #include "ui/common/PanelBar.h"
 #include "ui/rotor/ShaftViews.h"
+#include "ui/editing/RecordingEdits.h"
 #include "ui/signal/ParametersWindow.h"
 #include "ui/signal/SignalWindow.h"
 #include "core/ConfigKeys.h"
@@ -79,6 +80,20 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   shaftHooks.viewRefresh = [this] { ViewRefresh(false); };
   shaftHooks.refreshToolbars = [this] { RefreshToolbarMainMenu(); };
   shaftViews_ = std::make_unique<ShaftViews>(*this, prompts_, actions_, this, std::move(shaftHooks));
+  RecordingEdits::Hooks editHooks;
+  editHooks.viewRefresh = [this] { ViewRefresh(false); };
+  editHooks.refreshFrame = [this] {
+    RefreshToolbarMainMenu();
+    RefreshToolbarChannels();
+    RefreshStatusBar();
+    OutPathFileDataToStatusBar();
+  };
+  editHooks.rotorSpeedText = [this] { return views::RotorSpeedText(analysis_->speed); };
+  editHooks.measuring = [this] { return measuring_; };
+  editHooks.buildSignal = [this] {
+    if (SignalWindow* w = signalWindow()) w->BuildSignal();
+  };
+  edits_ = std::make_unique<RecordingEdits>(*this, prompts_, readers_, actions_, this, std::move(editHooks));
   buildMenus();
   buildToolbars();
   buildStatusBar();
@@ -108,6 +123,7 @@ MainWindow::~MainWindow() {
   delete spectrSub_.data();
   delete cascadeSub_.data();
   shaftViews_->closeAll();
+  edits_->closeAll();
   delete infoAdc_.data();
   delete digitalLines_.data();
 }
@@ -233,6 +249,7 @@ void MainWindow::RefreshToolbarMainMenu() {
   txtBlock_->setText(blocks.blockText);
   txtSolidBlockM_->setText(blocks.scaleText);
   shaftViews_->refreshCommands(data);
+  edits_->refreshCommands(data);
   updateViewChecks();
 }
 
@@ -315,8 +332,8 @@ void MainWindow::showSignalPopup(const QPoint& globalPos) {
 }
 
 void MainWindow::signalStatusChanged(const views::SignalStatus& status) {
-  // The edit commands themselves come later; they stay off until then.
   action(QStringLiteral("mnuSignalBeginPoint"))->setEnabled(status.beginPointEnabled);
+  edits_->selectionChanged(status.selectionCommandsEnabled);
 }
 
 void MainWindow::signalOptionsChanged() { refreshSignalMenuChecks(); }
@@ -351,6 +368,7 @@ void MainWindow::ViewRefresh(bool cheap) {
   }
   installSpectrumRefresh(registry);
   shaftViews_->installRefresh(registry);
+  edits_->installRefresh(registry);
   if (ParametersWindow* w = parametersWindow()) {
     registry.parametersOpen = true;
     registry[views::RefreshStep::ParametersOutData] = [w] { w->OutData(); };

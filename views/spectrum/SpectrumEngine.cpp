@@ -63,6 +63,8 @@ bool FilterSamples(AppState& s) {
   }
   AccountFilter(used.data(), filter.data(), nullptr, nullptr, s.SignalData.data(), s.SignalDataN,
                 RoundHalfEven(ChannelRateHz(s)), s.BlockSizeFFT);
+  // What was kept of the old samples (undo steps, scale extremes) is old now.
+  s.SignalData.markWritten();
   s.DataSaved = false;
   return true;
 }
