@@ -6,6 +6,7 @@
 #include "ui/common/Icons.h"
 #include "ui/acquisition/MeasurementRun.h"
 #include "ui/common/PanelBar.h"
+#include "ui/reports/ReportWindows.h"
 #include "ui/rotor/ShaftViews.h"
 #include "ui/signal/ParametersWindow.h"
 #include "ui/signal/SignalWindow.h"
@@ -79,6 +80,15 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   shaftHooks.viewRefresh = [this] { ViewRefresh(false); };
   shaftHooks.refreshToolbars = [this] { RefreshToolbarMainMenu(); };
   shaftViews_ = std::make_unique<ShaftViews>(*this, prompts_, actions_, this, std::move(shaftHooks));
+  ReportWindows::Hooks reportHooks;
+  reportHooks.recordingLoaded = [this] {
+    AddNewRecentFile(store_, s_.PathFileData);
+    ReadRecentFile();
+    OpenFileContext ctx = context();
+    ShowReadRecording(ctx);
+  };
+  reportHooks.holdViews = [this](bool hold) { mdi_->setUpdatesEnabled(!hold); };
+  reportWindows_ = std::make_unique<ReportWindows>(s_, prompts_, readers_, actions_, this, std::move(reportHooks));
   buildMenus();
   buildToolbars();
   buildStatusBar();
@@ -233,6 +243,7 @@ void MainWindow::RefreshToolbarMainMenu() {
   txtBlock_->setText(blocks.blockText);
   txtSolidBlockM_->setText(blocks.scaleText);
   shaftViews_->refreshCommands(data);
+  reportWindows_->refreshCommands(idle);
   updateViewChecks();
 }
 

@@ -34,6 +34,7 @@ class MeasurementRun;
 class PanelBar;
 class SpectrWindow;
 class ParametersWindow;
+class ReportWindows;
 class ShaftViews;
 class SignalWindow;
 
@@ -84,6 +85,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   MeasurementRun* measurementRun() const { return run_; }
   // The trajectory and rotor form windows.
   ShaftViews* shaftViews() const { return shaftViews_.get(); }
+  ReportWindows* reportWindows() const { return reportWindows_.get(); }
 
   // ViewHost.
   AppState& state() override { return s_; }
@@ -175,6 +177,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   const FileReaderTable& readers_;
   std::unique_ptr<views::AnalysisResults> analysis_;
   std::unique_ptr<ShaftViews> shaftViews_;
+  std::unique_ptr<ReportWindows> reportWindows_;
 
   QMdiArea* mdi_ = nullptr;
   QPointer<QMdiSubWindow> signalSub_;
