@@ -27,6 +27,16 @@ bool FolderKnown(const ReportContext& ctx) {
   return false;
 }
 
+// A folder that is gone or closed to us would give an empty protocol, as if
+// it held no recording.
+bool FolderReadable(const ReportContext& ctx, const QString& folder) {
+  const QFileInfo info(folder);
+  if (info.isDir() && info.isReadable() && info.isExecutable()) return true;
+  ctx.prompts.tell(QStringLiteral("Папка %1 недоступна для чтения: протокол не составлен.").arg(Native(folder)),
+                   kProtocolTitle, PromptIcon::Exclamation);
+  return false;
+}
+
 QString FolderOfOpenFile(const ReportContext& ctx) { return QFileInfo(ctx.state.PathFileData).absolutePath(); }
 
 // The save dialog; a name without the workbook's ending gets it.
@@ -76,6 +86,7 @@ ReportResult ReportProtokolCommand(ReportContext& ctx) {
 }
 
 ReportResult MakeFolderProtocol(ReportContext& ctx, const QString& folder) {
+  if (!FolderReadable(ctx, folder)) return {ReportOutcome::Failed, {}, false};
   if (ctx.prompts.ask(QStringLiteral("Сформировать протокол?"), kProtocolTitle) != PromptAnswer::Yes) return {};
   if (!ConfirmReplaceData(ctx.state, ctx.prompts)) return {};
   const std::optional<QString> path = ChooseWorkbookPath(ctx.prompts, folder);
@@ -94,6 +105,7 @@ ReportResult ReportPatternCommand(ReportContext& ctx) {
 }
 
 ReportResult FillFolderTemplate(ReportContext& ctx, const QString& folder, const QString& templatePath) {
+  if (!FolderReadable(ctx, folder)) return {ReportOutcome::Failed, {}, false};
   QString error;
   const std::optional<TemplateWorkbook> form = TemplateWorkbook::open(templatePath, error);
   if (!form) {

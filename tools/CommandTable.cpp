@@ -31,7 +31,8 @@ const ToolCommand kCommands[] = {
     {"spectrum", "spectrum FILE --channel C [--first A --last B] [--json] [--csv OUT]  what the spectrum window shows", RunSpectrum},
     {"rotor-form", "rotor-form FILE [--channel C] [--json]  rotor form: pole by pole EMF of every revolution and their average", RunRotorForm},
     {"record", "record OUT.aqx --mode cyclic|solid --seconds S  measurement run with the settings' channels", RunRecord},
-    {"protocol", "protocol FOLDER OUT.xlsx     protocol of the recordings of a folder", RunProtocol},
+    {"protocol", "protocol FOLDER OUT.xlsx [--files A,B --channels \"A;B\" --parameters \"P;Q\" | --template FORM.xlsx]  "
+     "protocol of the recordings of a folder, the master's table of chosen ones, or a station's form filled", RunProtocol},
     {"protocol-master", "protocol-master OUT.xlsx FILE... [--channels \"A;B\"] [--parameters \"P;Q\"] [--list]  "
      "the master's table of chosen channels and parameters", RunProtocolMaster},
     {"protocol-template", "protocol-template FOLDER FORM.xlsx OUT.xlsx  a station's form filled from a folder",
