@@ -102,6 +102,12 @@ TEST_F(ProtocolCommands, BadInputIsRefusedWithNothingWritten) {
   EXPECT_EQ(testing_reports::ReadFile(broken), QByteArray("PK\x03\x04 cut short"));
   EXPECT_FALSE(QFileInfo::exists(out));
 
+  // An output into a folder that is not there: told before any file is read.
+  prompts.shown.clear();
+  EXPECT_EQ(Run(RunProtocol, {rec, path(QStringLiteral("nowhere/out.xlsx"))}), kExitRefused);
+  EXPECT_TRUE(prompts.lastMessage().contains(QStringLiteral("недоступна для записи")));
+  EXPECT_FALSE(QDir(path(QStringLiteral("nowhere"))).exists());
+
   // An output that cannot be written (a folder stands there): told, and
   // nothing left beside it.
   const QString taken = path(QStringLiteral("taken.xlsx"));
