@@ -54,6 +54,12 @@ bool OpenFile(OpenFileContext& ctx, const QString& path) {
     s.PathFileData = previousPath;
     return false;
   }
+  ShowReadRecording(ctx);
+  return true;
+}
+
+void ShowReadRecording(OpenFileContext& ctx) {
+  AppState& s = ctx.state;
   s.SignalData.markWritten();
   s.DataSaved = true;
 
@@ -67,7 +73,6 @@ bool OpenFile(OpenFileContext& ctx, const QString& path) {
   Run(ctx.hooks.updateFileInfo, s);
   SaveConfig(ctx.store, s);
   Run(ctx.hooks.viewRefresh, s);
-  return true;
 }
 
 bool ConfirmReplaceData(const AppState& s, Prompts& prompts) {

@@ -58,6 +58,9 @@ struct OpenFileContext {
 // nothing; a failed read has told the user and leaves the recording and
 // PathFileData as they were.
 bool OpenFile(OpenFileContext& ctx, const QString& path);
+// The steps of OpenFile after the read, for a recording that came into the
+// state by another road (the last file of a report's walk).
+void ShowReadRecording(OpenFileContext& ctx);
 
 // Before a file replaces unsaved data (and not for a solid file, which is on
 // disk already): "Данные не сохранены, продолжить?". True to go on.

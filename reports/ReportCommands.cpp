@@ -27,15 +27,33 @@ bool FolderKnown(const ReportContext& ctx) {
   return false;
 }
 
+// A folder that is gone or closed to us would give an empty protocol, as if
+// it held no recording.
+bool FolderReadable(const ReportContext& ctx, const QString& folder) {
+  const QFileInfo info(folder);
+  if (info.isDir() && info.isReadable() && info.isExecutable()) return true;
+  ctx.prompts.tell(QStringLiteral("Папка %1 недоступна для чтения: протокол не составлен.").arg(Native(folder)),
+                   kProtocolTitle, PromptIcon::Exclamation);
+  return false;
+}
+
 QString FolderOfOpenFile(const ReportContext& ctx) { return QFileInfo(ctx.state.PathFileData).absolutePath(); }
 
-// The save dialog; a name without the workbook's ending gets it.
-std::optional<QString> ChooseWorkbookPath(Prompts& prompts, const QString& folder) {
+// The save dialog; a name without the workbook's ending gets it. A folder
+// that cannot take the workbook is told before any file is read.
+std::optional<QString> ChooseWorkbookPath(Prompts& prompts, const QString& folder, const QString& title) {
   const std::optional<QString> chosen =
       prompts.chooseSaveFile(QStringLiteral("Сохранить протокол"), folder, kWorkbookFileName, kWorkbookFilter);
   if (!chosen || chosen->isEmpty()) return std::nullopt;
-  if (QFileInfo(*chosen).suffix().compare(QStringLiteral("xlsx"), Qt::CaseInsensitive) == 0) return chosen;
-  return *chosen + QStringLiteral(".xlsx");
+  const QString path = QFileInfo(*chosen).suffix().compare(QStringLiteral("xlsx"), Qt::CaseInsensitive) == 0
+                           ? *chosen
+                           : *chosen + QStringLiteral(".xlsx");
+  const QFileInfo target(QFileInfo(path).absolutePath());
+  if (target.isDir() && target.isWritable()) return path;
+  prompts.tell(QStringLiteral("Не удалось записать протокол в файл %1: папка %2 недоступна для записи.")
+                   .arg(Native(path), Native(target.filePath())),
+               title, PromptIcon::Exclamation);
+  return std::nullopt;
 }
 
 bool SameFile(const QString& a, const QString& b) {
@@ -76,9 +94,10 @@ ReportResult ReportProtokolCommand(ReportContext& ctx) {
 }
 
 ReportResult MakeFolderProtocol(ReportContext& ctx, const QString& folder) {
+  if (!FolderReadable(ctx, folder)) return {ReportOutcome::Failed, {}, false};
   if (ctx.prompts.ask(QStringLiteral("Сформировать протокол?"), kProtocolTitle) != PromptAnswer::Yes) return {};
   if (!ConfirmReplaceData(ctx.state, ctx.prompts)) return {};
-  const std::optional<QString> path = ChooseWorkbookPath(ctx.prompts, folder);
+  const std::optional<QString> path = ChooseWorkbookPath(ctx.prompts, folder, kProtocolTitle);
   if (!path) return {};
   const bool signalParameterMax = ctx.state.options.parameters.SignalParameterMax;
   return WriteTable(ctx, FolderRecordings(folder), *path, kProtocolTitle,
@@ -94,6 +113,7 @@ ReportResult ReportPatternCommand(ReportContext& ctx) {
 }
 
 ReportResult FillFolderTemplate(ReportContext& ctx, const QString& folder, const QString& templatePath) {
+  if (!FolderReadable(ctx, folder)) return {ReportOutcome::Failed, {}, false};
   QString error;
   const std::optional<TemplateWorkbook> form = TemplateWorkbook::open(templatePath, error);
   if (!form) {
@@ -101,7 +121,7 @@ ReportResult FillFolderTemplate(ReportContext& ctx, const QString& folder, const
     return {ReportOutcome::Failed, {}, false};
   }
   if (!ConfirmReplaceData(ctx.state, ctx.prompts)) return {};
-  const std::optional<QString> path = ChooseWorkbookPath(ctx.prompts, folder);
+  const std::optional<QString> path = ChooseWorkbookPath(ctx.prompts, folder, kProtocolTitle);
   if (!path) return {};
   if (SameFile(*path, templatePath)) {
     ctx.prompts.tell(QStringLiteral("Заполненный протокол нельзя записать поверх шаблона %1: выберите другое имя "
@@ -158,7 +178,7 @@ QString MasterSummary(const MasterChoice& choice) {
 ReportResult ReportMasterCommand(ReportContext& ctx, const MasterChoice& choice) {
   if (!MasterFilesReady(choice.files, ctx.prompts)) return {};
   if (!ConfirmReplaceData(ctx.state, ctx.prompts)) return {};
-  const std::optional<QString> path = ChooseWorkbookPath(ctx.prompts, QFileInfo(choice.files.front()).absolutePath());
+  const std::optional<QString> path = ChooseWorkbookPath(ctx.prompts, QFileInfo(choice.files.front()).absolutePath(), kMasterTitle);
   if (!path) return {};
   const ReportResult result = WriteTable(ctx, choice.files, *path, kMasterTitle,
                                          [&](const std::vector<FileReadings>& files) { return BuildMasterTable(files, choice); });

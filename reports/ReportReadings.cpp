@@ -106,7 +106,7 @@ QStringList FolderRecordings(const QString& folder) {
   if (folder.isEmpty()) return {};
   const QDir dir(folder);
   QStringList paths;
-  for (const QString& name : dir.entryList({QStringLiteral("*.aqx")}, QDir::Files | QDir::Readable,
+  for (const QString& name : dir.entryList({QStringLiteral("*.aqx")}, QDir::Files,
                                            QDir::Name | QDir::IgnoreCase))
     paths << dir.filePath(name);
   return paths;

@@ -60,7 +60,8 @@ struct FileReadings {
   std::vector<ChannelReadings> channels;  // recorded channels, by number
 };
 
-// The recordings of a folder: "*.aqx" in any case, by name.
+// The recordings of a folder: "*.aqx" in any case, by name; a file that
+// cannot be read is listed too, so that its block stays empty.
 QStringList FolderRecordings(const QString& folder);
 
 struct ReportWalk {

@@ -19,7 +19,8 @@ const ToolCommand kCommands[] = {
     {"edit", "edit IN OUT.aqx cut|smooth|zero|copy-to ROW|shift ANGLE|reaccount [--channel C --first A --last B]  "
      "an edit of the signal menu; edit IN values: the values as text", RunEdit},
     {"record", "record OUT.aqx --mode cyclic|solid --seconds S  measurement run with the settings' channels", RunRecord},
-    {"protocol", "protocol FOLDER OUT.xlsx     protocol of the recordings of a folder", RunProtocol},
+    {"protocol", "protocol FOLDER OUT.xlsx [--files A,B --channels \"A;B\" --parameters \"P;Q\" | --template FORM.xlsx]  "
+     "protocol of the recordings of a folder, the master's table of chosen ones, or a station's form filled", RunProtocol},
     {"protocol-master", "protocol-master OUT.xlsx FILE... [--channels \"A;B\"] [--parameters \"P;Q\"] [--list]  "
      "the master's table of chosen channels and parameters", RunProtocolMaster},
     {"protocol-template", "protocol-template FOLDER FORM.xlsx OUT.xlsx  a station's form filled from a folder",

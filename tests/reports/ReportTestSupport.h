@@ -49,6 +49,10 @@ struct AnalyticRecording {
   double vibrationPeakToPeak = 800.0;
   double vibrationPhaseDegrees = 90.0;
   float clearanceKS = 100.0f;
+  QString place = QStringLiteral("ВГП");
+  // Differential connection: 16 channels; channel 20 is marked in use but
+  // lies past them.
+  bool differential = false;
 };
 
 using testing::ReadFile;
@@ -76,11 +80,17 @@ inline bool WriteAnalyticRecording(const QString& path, const AnalyticRecording&
   const char* directions[3] = {"X", "Y", ""};
   for (int c = 1; c <= 3; ++c) {
     s->channels.Type[c] = types[c - 1];
-    s->channels.Place[c] = QStringLiteral("ВГП");
+    s->channels.Place[c] = r.place;
     s->channels.Direct[c] = QString::fromLatin1(directions[c - 1]);
     s->channels.Ku[c] = static_cast<float>(kMillivoltsPerCode);
   }
   s->channels.KS[1] = r.clearanceKS;
+  if (r.differential) {
+    s->ChannelDifferential = 1;
+    s->channels.Channel[20] = 1;
+    s->channels.Type[20] = sensor::Vibration;
+    s->channels.Ku[20] = static_cast<float>(kMillivoltsPerCode);
+  }
   s->channels.ProbeFreq[2] = {2.0f, 10.0f, -1.0f, -1.0f, -1.0f, -1.0f, -1.0f};
   s->object.Mode = r.mode;
   s->FreqDesc = s->FreqDescR = kSampleHz;

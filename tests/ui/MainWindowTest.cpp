@@ -114,7 +114,6 @@ TEST(MainWindow, FrameHasCaptionMenusToolbarsAndPanels) {
   EXPECT_EQ(w.window->action(QStringLiteral("mnuViewColorBack2"))->text(), QStringLiteral("Лампа накаливания"));
   // Windows of later versions stand in the menus, disabled.
   EXPECT_FALSE(w.window->action(QStringLiteral("mnuViewSpectr"))->isEnabled());
-  EXPECT_FALSE(w.window->action(QStringLiteral("mnuReportProtokol"))->isEnabled());
   EXPECT_EQ(w.window->toolbarMain()->objectName(), QStringLiteral("ToolbarMain"));
   EXPECT_EQ(w.window->channelButton(7)->objectName(), QStringLiteral("Ch7"));
   // No file: the data commands are off and no view is open.

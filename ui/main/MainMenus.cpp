@@ -7,6 +7,7 @@
 #include "ui/main/MainWindow.h"
 #include "ui/common/PanelBar.h"
 #include "ui/main/Workspace.h"
+#include "ui/reports/ReportWindows.h"
 #include "ui/rotor/ShaftViews.h"
 #include "ui/editing/RecordingEdits.h"
 #include "ui/signal/SignalWindow.h"
@@ -186,9 +187,7 @@ void MainWindow::buildViewMenu() {
 void MainWindow::buildOtherMenus() {
   QMenu* report = menuBar()->addMenu(QStringLiteral("&Отчет"));
   report->setObjectName(QStringLiteral("mnuReport"));
-  addLaterCommand(report, "mnuReportMaster", QStringLiteral("Мастер протокола"));
-  addLaterCommand(report, "mnuReportProtokol", QStringLiteral("Протокол"));
-  addLaterCommand(report, "mnuReportPattern", QStringLiteral("По шаблону"));
+  reportWindows_->addCommands(report);
 
   QMenu* setup = menuBar()->addMenu(QStringLiteral("&Настройка"));
   setup->setObjectName(QStringLiteral("mnuSetup"));

@@ -6,6 +6,7 @@
 #include "ui/common/Icons.h"
 #include "ui/acquisition/MeasurementRun.h"
 #include "ui/common/PanelBar.h"
+#include "ui/reports/ReportWindows.h"
 #include "ui/rotor/ShaftViews.h"
 #include "ui/editing/RecordingEdits.h"
 #include "ui/signal/ParametersWindow.h"
@@ -94,6 +95,15 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
     if (SignalWindow* w = signalWindow()) w->BuildSignal();
   };
   edits_ = std::make_unique<RecordingEdits>(*this, prompts_, readers_, actions_, this, std::move(editHooks));
+  ReportWindows::Hooks reportHooks;
+  reportHooks.recordingLoaded = [this] {
+    AddNewRecentFile(store_, s_.PathFileData);
+    ReadRecentFile();
+    OpenFileContext ctx = context();
+    ShowReadRecording(ctx);
+  };
+  reportHooks.holdViews = [this](bool hold) { mdi_->setUpdatesEnabled(!hold); };
+  reportWindows_ = std::make_unique<ReportWindows>(s_, prompts_, readers_, actions_, this, std::move(reportHooks));
   buildMenus();
   buildToolbars();
   buildStatusBar();
@@ -250,6 +260,7 @@ void MainWindow::RefreshToolbarMainMenu() {
   txtSolidBlockM_->setText(blocks.scaleText);
   shaftViews_->refreshCommands(data);
   edits_->refreshCommands(data);
+  reportWindows_->refreshCommands(idle);
   updateViewChecks();
 }
 

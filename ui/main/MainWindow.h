@@ -35,6 +35,7 @@ class PanelBar;
 class SpectrWindow;
 class ParametersWindow;
 class RecordingEdits;
+class ReportWindows;
 class ShaftViews;
 class SignalWindow;
 
@@ -87,6 +88,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   ShaftViews* shaftViews() const { return shaftViews_.get(); }
   // Edits of the recording, markers, description, import, sound.
   RecordingEdits* recordingEdits() const { return edits_.get(); }
+  ReportWindows* reportWindows() const { return reportWindows_.get(); }
 
   // ViewHost.
   AppState& state() override { return s_; }
@@ -179,6 +181,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   std::unique_ptr<views::AnalysisResults> analysis_;
   std::unique_ptr<ShaftViews> shaftViews_;
   std::unique_ptr<RecordingEdits> edits_;
+  std::unique_ptr<ReportWindows> reportWindows_;
 
   QMdiArea* mdi_ = nullptr;
   QPointer<QMdiSubWindow> signalSub_;
