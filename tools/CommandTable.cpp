@@ -17,6 +17,7 @@ int RunProtocolMaster(ToolContext& ctx);
 int RunProtocolTemplate(ToolContext& ctx);
 int RunSpectrum(ToolContext& ctx);
 int RunRotorForm(ToolContext& ctx);
+int RunRecordRates(ToolContext& ctx);
 
 namespace {
 const ToolCommand kCommands[] = {
@@ -31,6 +32,8 @@ const ToolCommand kCommands[] = {
     {"spectrum", "spectrum FILE --channel C [--first A --last B] [--json] [--csv OUT]  what the spectrum window shows", RunSpectrum},
     {"rotor-form", "rotor-form FILE [--channel C] [--json]  rotor form: pole by pole EMF of every revolution and their average", RunRotorForm},
     {"record", "record OUT.aqx --mode cyclic|solid --seconds S  measurement run with the settings' channels", RunRecord},
+    {"record-rates", "record-rates --poles P --mains F --revolutions N --samples S [--channels C] [--refresh T]  "
+     "sampling of a cyclic run from the unit's poles and mains", RunRecordRates},
     {"protocol", "protocol FOLDER OUT.xlsx     protocol of the recordings of a folder", RunProtocol},
     {"protocol-master", "protocol-master OUT.xlsx FILE... [--channels \"A;B\"] [--parameters \"P;Q\"] [--list]  "
      "the master's table of chosen channels and parameters", RunProtocolMaster},

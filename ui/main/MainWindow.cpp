@@ -6,6 +6,7 @@
 #include "ui/common/Icons.h"
 #include "ui/acquisition/MeasurementRun.h"
 #include "ui/common/PanelBar.h"
+#include "ui/acquisition/MeasureCommands.h"
 #include "ui/rotor/ShaftViews.h"
 #include "ui/signal/ParametersWindow.h"
 #include "ui/signal/SignalWindow.h"
@@ -79,6 +80,11 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   shaftHooks.viewRefresh = [this] { ViewRefresh(false); };
   shaftHooks.refreshToolbars = [this] { RefreshToolbarMainMenu(); };
   shaftViews_ = std::make_unique<ShaftViews>(*this, prompts_, actions_, this, std::move(shaftHooks));
+  measure_ = std::make_unique<MeasureCommands>(
+      MeasureContext{s_, store_, prompts_, [this] { ViewRefresh(false); },
+                     [this] { RefreshToolbarChannels(); RefreshToolbarMainMenu(); RefreshStatusBar(); },
+                     [this] { if (SignalWindow* w = signalWindow()) w->ResetValueElements(); }},
+      vocab_, actions_, this);
   buildMenus();
   buildToolbars();
   buildStatusBar();
@@ -92,6 +98,8 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   };
   runHooks.refreshToolbars = [this] { RefreshToolbarMainMenu(); };
   runHooks.viewRefresh = [this] { ViewRefresh(false); };
+  runHooks.statusFile = [this](bool show) { measure_->showStatusFile(show); };
+  runHooks.openRecordedFile = [this](const QString& path) { OpenFile(path); };
   run_ = new MeasurementRun(s_, prompts_, std::move(runHooks), this);
   if (const QScreen* screen = QGuiApplication::primaryScreen()) {
     const QRect area = screen->availableGeometry();
@@ -222,7 +230,7 @@ void MainWindow::RefreshToolbarMainMenu() {
   record->setChecked(run_->requested());
   // A stop is under way until the next tick; continuous recording comes
   // with the record settings window.
-  record->setEnabled(!run_->stopping() && !s_.SolidMode);
+  record->setEnabled(!run_->stopping());
   const SolidBlockControls blocks = SolidBlockControlState(s_, measuring_);
   const std::pair<const char*, bool> blockStates[] = {
       {"mnuViewBlockFirst", blocks.first}, {"mnuViewBlockPrevious", blocks.previous},
@@ -233,6 +241,7 @@ void MainWindow::RefreshToolbarMainMenu() {
   txtBlock_->setText(blocks.blockText);
   txtSolidBlockM_->setText(blocks.scaleText);
   shaftViews_->refreshCommands(data);
+  measure_->refreshCommands(data, measuring_, run_->continuous());
   updateViewChecks();
 }
 

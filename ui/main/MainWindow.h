@@ -30,6 +30,7 @@ namespace aqx::ui {
 
 class CascadeWindow;
 class FrequencyTableDialog;
+class MeasureCommands;
 class MeasurementRun;
 class PanelBar;
 class SpectrWindow;
@@ -84,6 +85,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   MeasurementRun* measurementRun() const { return run_; }
   // The trajectory and rotor form windows.
   ShaftViews* shaftViews() const { return shaftViews_.get(); }
+  // The measurement settings, marker, calibration and monitor windows.
+  MeasureCommands* measureCommands() const { return measure_.get(); }
 
   // ViewHost.
   AppState& state() override { return s_; }
@@ -175,6 +178,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   const FileReaderTable& readers_;
   std::unique_ptr<views::AnalysisResults> analysis_;
   std::unique_ptr<ShaftViews> shaftViews_;
+  std::unique_ptr<MeasureCommands> measure_;
 
   QMdiArea* mdi_ = nullptr;
   QPointer<QMdiSubWindow> signalSub_;
