@@ -230,7 +230,9 @@ RecordApply ApplyRecordSettings(AppState& s, SettingsStore& store, Prompts& prom
   } else {
     freqDescR = AccountRotorRates(*polus, *freqSety, *revolutions, signalDataN, in.timeRefresh, used)->freqDescR;
   }
-  const int64_t moduleRate = static_cast<int64_t>(freqDescR) * used;
+  // A continuous run goes at the module frequency itself; the per-channel
+  // figure is rounded and may exceed it by a few hertz (100000 / 11).
+  const int64_t moduleRate = in.solidMode ? in.freqADC : static_cast<int64_t>(freqDescR) * used;
   if (moduleRate > kMaxFreqADC) {
     Refuse(prompts, QStringLiteral("Выбрана частота работы АЦП превышающая допустимое значениее - 100 кГц."));
     return {false, RecordField::Frequency};

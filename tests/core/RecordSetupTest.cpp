@@ -177,6 +177,15 @@ TEST_F(ApplyFixture, BadValuesAreRefusedWithTheirMessageAndChangeNothing) {
   EXPECT_FALSE(s->SolidMode);
 }
 
+TEST_F(ApplyFixture, FullModuleRateIsAcceptedWhateverTheChannelCount) {
+  // 100000 / 11 rounds to 9091 a channel, 100001 in all: still the module's 100 kHz.
+  for (int c = 1; c <= kMaxChannels; ++c) s->channels.Channel[c] = c <= 11 ? 1 : 0;
+  in.solidMode = true;
+  in.freqADC = 100000;
+  in.solidFileName = QStringLiteral("x");
+  EXPECT_TRUE(apply().applied);
+}
+
 TEST_F(ApplyFixture, ANameOfTwentyFiveCharactersIsAccepted) {
   in.solidMode = true;
   in.solidFileName = QString(25, QLatin1Char('z'));

@@ -21,14 +21,6 @@
 
 namespace aqx::ui {
 
-namespace {
-
-// What a continuous run shows at first: the newest two seconds.
-constexpr int32_t kLiveSeconds = 2;
-constexpr int32_t kLeastLiveRows = 1024;
-
-}  // namespace
-
 MeasurementRun::MeasurementRun(AppState& state, Prompts& prompts, Hooks hooks, QObject* parent)
     : QObject(parent), s_(state), prompts_(prompts), hooks_(std::move(hooks)) {
   timer1_ = new QTimer(this);
@@ -140,8 +132,8 @@ bool MeasurementRun::startContinuous() {
   s_.BlockSizeFFT = s_.BlockSizeFFTr;
   if (!StartContinuousRecording(s_, prompts_, path, s_.options.parameters.SolidClerData)) return false;
   // The views follow the newest rows of the block being written.
-  s_.ViewFirst = 1;
-  s_.ViewLast = std::clamp(s_.FreqDescR * kLiveSeconds, kLeastLiveRows, kMaxSamples);
+  s_.ViewFirst = liveFirst_ = 1;
+  s_.ViewLast = liveLast_ = 1;
   s_.DataSaved = true;
   if (hooks_.statusFile) hooks_.statusFile(true);
   return true;
@@ -153,10 +145,12 @@ void MeasurementRun::followNewestRows() {
   const auto fileRows = static_cast<int64_t>(std::max(0.0, dataBytes) / (2.0 * used));
   const int64_t blockStart = static_cast<int64_t>(std::max(s_.SolidBlockN, 1) - 1) * kMaxSamples;
   const auto rowsInBlock = static_cast<int32_t>(std::clamp<int64_t>(fileRows - blockStart, 1, kMaxSamples));
-  // The width the user has zoomed to is kept; the window slides along.
-  const int32_t width = std::clamp(s_.ViewLast - s_.ViewFirst + 1, 2, kMaxSamples);
-  s_.ViewLast = rowsInBlock;
-  s_.ViewFirst = std::max(1, rowsInBlock - width + 1);
+  // The views take the rows of the block written so far, as a cyclic run
+  // fills its cycle; once the user zooms or pans, his stretch stays.
+  if (s_.ViewFirst == liveFirst_ && s_.ViewLast == liveLast_) {
+    s_.ViewFirst = liveFirst_ = 1;
+    s_.ViewLast = liveLast_ = rowsInBlock;
+  }
   s_.RunRowsAcquired = rowsInBlock < kMaxSamples ? rowsInBlock : 0;
 }
 

@@ -55,7 +55,7 @@ class MeasurementRun : public QObject {
  private:
   bool startContinuous();
   bool startCyclic();
-  // Continuous mode: the views' window slides to the newest rows of the block.
+  // Continuous mode: the views follow the rows of the block written so far.
   void followNewestRows();
   void checkWarnings();
   void finish();
@@ -73,6 +73,9 @@ class MeasurementRun : public QObject {
   bool running_ = false;
   bool continuous_ = false;
   bool firstTick_ = false;
+  // Continuous mode: the stretch set last, to tell a zoom of the user's.
+  int32_t liveFirst_ = 0;
+  int32_t liveLast_ = 0;
   QStringList warnings_;
 };
 

@@ -174,7 +174,14 @@ SetupRecWindow::SetupRecWindow(MeasureContext ctx, QWidget* parent) : QDialog(pa
     txtSolidPath_->setText(dirModel_->filePath(index));
     DiskEstimate();
   });
-  connect(txtSolidPath_, &QLineEdit::editingFinished, this, [this] { DiskEstimate(); });
+  connect(txtSolidPath_, &QLineEdit::editingFinished, this, [this] {
+    const QModelIndex folder = dirModel_->index(txtSolidPath_->text().trimmed());
+    if (folder.isValid()) {
+      dir1_->setCurrentIndex(folder);
+      dir1_->scrollTo(folder);
+    }
+    DiskEstimate();
+  });
   connect(cmdOK_, &QPushButton::clicked, this, [this] {
     if (Apply()) accept();
   });
