@@ -28,6 +28,12 @@ SampleStore::SampleStore() {
 
 SampleStore::~SampleStore() { munmap(codes_, kBytes); }
 
+void SampleStore::clear() {
+  // Private anonymous pages given back read as zeros again: no 64 MiB write.
+  if (madvise(codes_, kBytes, MADV_DONTNEED) != 0) std::fill_n(codes_, kElements, int16_t{0});
+  markWritten();
+}
+
 size_t SampleStore::residentBytes() const {
   const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
   std::vector<unsigned char> resident((kBytes + page - 1) / page);

@@ -66,6 +66,8 @@ class SampleStore {
   int16_t at(int sample, int channel) const {
     return codes_[static_cast<size_t>(sample - 1) * kColumns + static_cast<size_t>(channel - 1)];
   }
+  // Every code back to 0, and the memory back to the system.
+  void clear();
   // Bytes of the store the system has given memory to so far.
   size_t residentBytes() const;
   // Counts the times the samples were replaced (a load, a block, a run's

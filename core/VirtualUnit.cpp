@@ -11,6 +11,19 @@ namespace {
 void SetIfUnset(const char* key, const QString& value) { setenv(key, value.toUtf8().constData(), 0); }
 }  // namespace
 
+void SetVirtualGap(double micrometres) {
+  // Our own marker tells our gap from one the user set.
+  const char* ours = std::getenv("AQX_VIRTUAL_GAP_BY_PROGRAM");
+  if (std::getenv("AQX_VIRTUAL_GAP_UM") && !ours) return;
+  if (micrometres < 0) {
+    unsetenv("AQX_VIRTUAL_GAP_UM");
+    unsetenv("AQX_VIRTUAL_GAP_BY_PROGRAM");
+    return;
+  }
+  setenv("AQX_VIRTUAL_GAP_UM", QString::number(micrometres, 'g', 10).toUtf8().constData(), 1);
+  setenv("AQX_VIRTUAL_GAP_BY_PROGRAM", "1", 1);
+}
+
 void ExportVirtualUnit(const AppState& s) {
   QStringList types;
   for (int c = 1; c <= kMaxChannels; ++c) types << QString::number(std::clamp(s.channels.Type[c], 0, 9));

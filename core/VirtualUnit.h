@@ -13,4 +13,10 @@ namespace aqx {
 // when it is not set.
 void ExportVirtualUnit(const AppState& s);
 
+// During a calibration the engineer sets the run-out probes at known gaps;
+// the virtual module follows: its probes read the level of this gap on a
+// standing shaft. A negative gap lets the shaft turn again. A gap the user
+// fixed in the environment before the start wins.
+void SetVirtualGap(double micrometres);
+
 }  // namespace aqx

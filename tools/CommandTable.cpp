@@ -19,6 +19,8 @@ const ToolCommand kCommands[] = {
     {"edit", "edit IN OUT.aqx cut|smooth|zero|copy-to ROW|shift ANGLE|reaccount [--channel C --first A --last B]  "
      "an edit of the signal menu; edit IN values: the values as text", RunEdit},
     {"record", "record OUT.aqx --mode cyclic|solid --seconds S  measurement run with the settings' channels", RunRecord},
+    {"record-rates", "record-rates --poles P --mains F --revolutions N --samples S [--channels C] [--refresh T]  "
+     "sampling of a cyclic run from the unit's poles and mains", RunRecordRates},
     {"protocol", "protocol FOLDER OUT.xlsx [--files A,B --channels \"A;B\" --parameters \"P;Q\" | --template FORM.xlsx]  "
      "protocol of the recordings of a folder, the master's table of chosen ones, or a station's form filled", RunProtocol},
     {"protocol-master", "protocol-master OUT.xlsx FILE... [--channels \"A;B\"] [--parameters \"P;Q\"] [--list]  "

@@ -21,5 +21,6 @@ int RunProtocolTemplate(ToolContext& ctx);
 int RunSpectrum(ToolContext& ctx);
 int RunRotorForm(ToolContext& ctx);
 int RunEdit(ToolContext& ctx);
+int RunRecordRates(ToolContext& ctx);
 
 }  // namespace aqx::tool

@@ -84,6 +84,13 @@ double HydroUnitModel::millivolts(int channel, bool differential, double t, uint
   double v = 0.0;
   switch (sc.kind) {
     case SignalKind::RunOut: {
+      if (settings_.gapMicrometres >= 0.0) {
+        const double g = settings_.gapMicrometres;
+        const double linear = std::min(g, settings_.gapLinearMicrometres);
+        const double beyond = std::max(0.0, g - settings_.gapLinearMicrometres);
+        v = -8000.0 + settings_.gapMvPerMicrometre * (linear + 0.5 * beyond) + noise;
+        break;
+      }
       // Pairs of probes stand at right angles; further pairs sit lower on
       // the shaft with a somewhat larger and turned run-out. The first pair
       // sees a known orbit: x = A sin θ + B sin(2θ + 0.8) and

@@ -29,6 +29,9 @@
 //   AQX_VIRTUAL_POLE_DEVIATION    "pole:percent,..." fixed deviations, pole from 1
 //                                 ("7:6,23:-9,31:4"; an empty text for none)
 //   AQX_VIRTUAL_NOISE_MV          noise rms on every input (3)
+//   AQX_VIRTUAL_GAP_UM            shaft standing, run-out probes at this gap (unset)
+//   AQX_VIRTUAL_GAP_MV_PER_UM     the probes' slope over the gap (4)
+//   AQX_VIRTUAL_GAP_LINEAR_UM     end of their linear range (3000)
 //   AQX_VIRTUAL_OVERLOAD          channels driven far past their range: "all" or "2,5"
 //   AQX_VIRTUAL_FAIL              error number to provoke at its step
 //   AQX_VIRTUAL_FAIL_AFTER_ROWS   rows before an injected 20 or 27 strikes (0)
@@ -167,6 +170,9 @@ ModuleSettings ParseModuleSettings(const SettingLookup& lookup) {
   number("AQX_VIRTUAL_TURN_MV", s.turnMv);
   number("AQX_VIRTUAL_POLE_SPREAD", s.poleSpreadPercent);
   number("AQX_VIRTUAL_NOISE_MV", s.noiseMv);
+  number("AQX_VIRTUAL_GAP_UM", s.gapMicrometres);
+  number("AQX_VIRTUAL_GAP_MV_PER_UM", s.gapMvPerMicrometre);
+  number("AQX_VIRTUAL_GAP_LINEAR_UM", s.gapLinearMicrometres);
   if (const auto v = text("AQX_VIRTUAL_POLE_DEVIATION")) {
     s.poleDeviations.clear();
     for (const std::string& item : Split(*v, ',')) {

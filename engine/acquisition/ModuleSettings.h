@@ -68,6 +68,13 @@ struct ModuleSettings {
   double poleSpreadPercent = 0.5;
   std::vector<std::pair<int, double>> poleDeviations{{7, 6.0}, {23, -9.0}, {31, 4.0}};  // pole from 1, percent
   double noiseMv = 3.0;
+  // Calibration on a standing shaft: with a gap set (>= 0) every run-out
+  // probe reads the level of that gap, rising gapMvPerMicrometre per
+  // micrometre from -8000 mV at contact, at half that slope past
+  // gapLinearMicrometres, where such probes leave their linear range.
+  double gapMicrometres = -1.0;
+  double gapMvPerMicrometre = 4.0;
+  double gapLinearMicrometres = 3000.0;
   std::array<bool, kScenarioChannels> overload{};
 
   // Failure to show: an error number of the library, at its step; for 20

@@ -1,16 +1,20 @@
 #pragma once
-// The cyclic measurement run of the window program: the record command
-// starts and stops it, Timer1 copies the newest cycle out of the engine,
-// checks the warnings and refreshes the views on every tick.
+// The measurement run of the window program, in both modes. The record
+// command starts and stops it; Timer1 copies the newest samples out of the
+// engine (the cycle, or the newest stretch of the continuous file), checks
+// the warnings and refreshes the views on every tick. TimerIcon blinks the
+// tray icon meanwhile.
 
 #include "core/AppState.h"
 #include "core/Prompts.h"
 
+#include <QIcon>
 #include <QObject>
 #include <QStringList>
 
 #include <functional>
 
+class QSystemTrayIcon;
 class QTimer;
 
 namespace aqx::ui {
@@ -22,6 +26,10 @@ class MeasurementRun : public QObject {
     std::function<void(bool running)> activateElements;  // ActivateElements
     std::function<void()> refreshToolbars;               // RefreshToolbarMainMenu and the record check
     std::function<void()> viewRefresh;
+    // Continuous mode: the monitor shown at the start and closed at the end.
+    std::function<void(bool show)> statusFile;
+    // Continuous mode, after the stop: the recorded file into the views.
+    std::function<void(const QString& path)> openRecordedFile;
   };
 
   MeasurementRun(AppState& state, Prompts& prompts, Hooks hooks, QObject* parent = nullptr);
@@ -37,20 +45,37 @@ class MeasurementRun : public QObject {
   bool running() const { return running_; }
   // A stop was pressed and the next tick has not finished the run yet.
   bool stopping() const { return running_ && !requested_; }
+  // The run in progress (or the last one) records into a file.
+  bool continuous() const { return continuous_; }
   // The warning lines of the last check (empty when all is well).
   const QStringList& warnings() const { return warnings_; }
+  // The tray icon blinks while a run is on.
+  bool trayBlinking() const;
 
  private:
+  bool startContinuous();
+  bool startCyclic();
+  // Continuous mode: the views follow the rows of the block written so far.
+  void followNewestRows();
   void checkWarnings();
   void finish();
+  void blinkTray();
 
   AppState& s_;
   Prompts& prompts_;
   Hooks hooks_;
   QTimer* timer1_ = nullptr;
+  QTimer* timerIcon_ = nullptr;
+  QSystemTrayIcon* tray_ = nullptr;
+  QIcon trayIcon_;
+  bool trayLit_ = true;
   bool requested_ = false;
   bool running_ = false;
+  bool continuous_ = false;
   bool firstTick_ = false;
+  // Continuous mode: the stretch set last, to tell a zoom of the user's.
+  int32_t liveFirst_ = 0;
+  int32_t liveLast_ = 0;
   QStringList warnings_;
 };
 

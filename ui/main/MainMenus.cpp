@@ -5,6 +5,7 @@
 #include "ui/common/Icons.h"
 #include "ui/common/OptionMenu.h"
 #include "ui/main/MainWindow.h"
+#include "ui/acquisition/MeasureCommands.h"
 #include "ui/common/PanelBar.h"
 #include "ui/main/Workspace.h"
 #include "ui/reports/ReportWindows.h"
@@ -165,7 +166,7 @@ void MainWindow::buildViewMenu() {
   addToggle(view, "mnuViewImposition", QStringLiteral("Наложение сигналов"), &MainWindow::mnuViewImposition)
       ->setIcon(MakeToolIcon(ToolIcon::Imposition));
   edits_->addCommand(view, "mnuViewMarker", QStringLiteral("Маркеры"));
-  addLaterCommand(view, "mnuViewStatusFile", QStringLiteral("Информация файла данных"));
+  measure_->addCommand(view, "mnuViewStatusFile", QStringLiteral("Информация файла данных"));
   view->addSeparator();
   QMenu* styles = view->addMenu(QStringLiteral("С&тиль"));
   styles->setObjectName(QStringLiteral("mnuViewStyles"));
@@ -216,13 +217,14 @@ void MainWindow::buildOtherMenus() {
   }
   edits_->adoptCommand("mnuSetupReAccount");
   edits_->adoptCommand("mnuSetupObject");
+  measure_->adoptSetupCommands();
 
   QMenu* service = menuBar()->addMenu(QStringLiteral("С&ервис"));
   service->setObjectName(QStringLiteral("mnuService"));
-  addLaterCommand(service, "mnuServiceLineka", QStringLiteral("Линейка"));
+  measure_->addCommand(service, "mnuServiceLineka", QStringLiteral("Линейка"));
   addCommand(service, "mnuServiceEvaluation", QStringLiteral("Оценка"), &MainWindow::mnuServiceEvaluation);
-  addLaterCommand(service, "mnuServiceDetectSensor", QStringLiteral("Тарировка датчиков биения"));
-  addLaterCommand(service, "mnuServiceOtm", QStringLiteral("Искуственный отметчик"));
+  measure_->addCommand(service, "mnuServiceDetectSensor", QStringLiteral("Тарировка датчиков биения"));
+  measure_->addCommand(service, "mnuServiceOtm", QStringLiteral("Искуственный отметчик"));
   addCommand(service, "mnuHelpADC", QStringLiteral("Информация АЦП"), &MainWindow::mnuHelpADC)->setCheckable(true);
   addCommand(service, "mnuServiceDigitalLines", QStringLiteral("Цифровые линии"), &MainWindow::mnuServiceDigitalLines);
   edits_->addCommand(service, "mnuServicePlayerSound", QStringLiteral("Проигрыватель"));

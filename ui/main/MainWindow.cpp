@@ -7,6 +7,7 @@
 #include "ui/acquisition/MeasurementRun.h"
 #include "ui/common/PanelBar.h"
 #include "ui/reports/ReportWindows.h"
+#include "ui/acquisition/MeasureCommands.h"
 #include "ui/rotor/ShaftViews.h"
 #include "ui/editing/RecordingEdits.h"
 #include "ui/signal/ParametersWindow.h"
@@ -104,6 +105,11 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   };
   reportHooks.holdViews = [this](bool hold) { mdi_->setUpdatesEnabled(!hold); };
   reportWindows_ = std::make_unique<ReportWindows>(s_, prompts_, readers_, actions_, this, std::move(reportHooks));
+  measure_ = std::make_unique<MeasureCommands>(
+      MeasureContext{s_, store_, prompts_, [this] { ViewRefresh(false); },
+                     [this] { RefreshToolbarChannels(); RefreshToolbarMainMenu(); RefreshStatusBar(); },
+                     [this] { if (SignalWindow* w = signalWindow()) w->ResetValueElements(); }},
+      vocab_, actions_, this);
   buildMenus();
   buildToolbars();
   buildStatusBar();
@@ -117,6 +123,8 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   };
   runHooks.refreshToolbars = [this] { RefreshToolbarMainMenu(); };
   runHooks.viewRefresh = [this] { ViewRefresh(false); };
+  runHooks.statusFile = [this](bool show) { measure_->showStatusFile(show); };
+  runHooks.openRecordedFile = [this](const QString& path) { OpenFile(path); };
   run_ = new MeasurementRun(s_, prompts_, std::move(runHooks), this);
   if (const QScreen* screen = QGuiApplication::primaryScreen()) {
     const QRect area = screen->availableGeometry();
@@ -248,7 +256,7 @@ void MainWindow::RefreshToolbarMainMenu() {
   record->setChecked(run_->requested());
   // A stop is under way until the next tick; continuous recording comes
   // with the record settings window.
-  record->setEnabled(!run_->stopping() && !s_.SolidMode);
+  record->setEnabled(!run_->stopping());
   const SolidBlockControls blocks = SolidBlockControlState(s_, measuring_);
   const std::pair<const char*, bool> blockStates[] = {
       {"mnuViewBlockFirst", blocks.first}, {"mnuViewBlockPrevious", blocks.previous},
@@ -261,6 +269,7 @@ void MainWindow::RefreshToolbarMainMenu() {
   shaftViews_->refreshCommands(data);
   edits_->refreshCommands(data);
   reportWindows_->refreshCommands(idle);
+  measure_->refreshCommands(data, measuring_, run_->continuous());
   updateViewChecks();
 }
 

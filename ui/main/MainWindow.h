@@ -30,6 +30,7 @@ namespace aqx::ui {
 
 class CascadeWindow;
 class FrequencyTableDialog;
+class MeasureCommands;
 class MeasurementRun;
 class PanelBar;
 class SpectrWindow;
@@ -89,6 +90,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   // Edits of the recording, markers, description, import, sound.
   RecordingEdits* recordingEdits() const { return edits_.get(); }
   ReportWindows* reportWindows() const { return reportWindows_.get(); }
+  // The measurement settings, marker, calibration and monitor windows.
+  MeasureCommands* measureCommands() const { return measure_.get(); }
 
   // ViewHost.
   AppState& state() override { return s_; }
@@ -182,6 +185,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   std::unique_ptr<ShaftViews> shaftViews_;
   std::unique_ptr<RecordingEdits> edits_;
   std::unique_ptr<ReportWindows> reportWindows_;
+  std::unique_ptr<MeasureCommands> measure_;
 
   QMdiArea* mdi_ = nullptr;
   QPointer<QMdiSubWindow> signalSub_;
