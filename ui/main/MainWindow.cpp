@@ -7,6 +7,7 @@
 #include "ui/acquisition/MeasurementRun.h"
 #include "ui/common/PanelBar.h"
 #include "ui/rotor/ShaftViews.h"
+#include "ui/options/SupportWindows.h"
 #include "ui/signal/ParametersWindow.h"
 #include "ui/signal/SignalWindow.h"
 #include "core/ConfigKeys.h"
@@ -79,6 +80,27 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   shaftHooks.viewRefresh = [this] { ViewRefresh(false); };
   shaftHooks.refreshToolbars = [this] { RefreshToolbarMainMenu(); };
   shaftViews_ = std::make_unique<ShaftViews>(*this, prompts_, actions_, this, std::move(shaftHooks));
+  SupportWindows::Hooks supportHooks;
+  supportHooks.settingsChanged = [this] {
+    applyBars();
+    applyBackground();
+    ReadRecentFile();
+    RefreshToolbarChannels();
+    RefreshToolbarMainMenu();
+    RefreshStatusBar();
+    refreshSignalMenuChecks();
+    ViewRefresh(false);
+  };
+  supportHooks.openFile = [this](const QString& path) {
+    return !measuring_ && ConfirmReplaceData(s_, prompts_) && OpenFile(path);
+  };
+  supportHooks.closeProgram = [this] { close(); };
+  supportHooks.signalWindow = [this] { return signalWindow(); };
+  supportHooks.activeViewName = [this] {
+    return mdi_->activeSubWindow() && mdi_->activeSubWindow()->widget() ? mdi_->activeSubWindow()->widget()->objectName()
+                                                                       : objectName();
+  };
+  supportWindows_ = std::make_unique<SupportWindows>(*this, prompts_, actions_, this, std::move(supportHooks));
   buildMenus();
   buildToolbars();
   buildStatusBar();
@@ -155,6 +177,7 @@ void MainWindow::load() {
   RefreshStatusBar();
   OutPathFileDataToStatusBar();
   refreshSignalMenuChecks();
+  supportWindows_->startUp();
 }
 
 bool MainWindow::loadStartFile(const QString& commandLine) {
@@ -233,6 +256,7 @@ void MainWindow::RefreshToolbarMainMenu() {
   txtBlock_->setText(blocks.blockText);
   txtSolidBlockM_->setText(blocks.scaleText);
   shaftViews_->refreshCommands(data);
+  supportWindows_->refreshCommands(data, measuring_);
   updateViewChecks();
 }
 
@@ -326,6 +350,7 @@ void MainWindow::refreshSignalMenuChecks() {
   const views::SignalCursor cursor = views::CursorOf(s_);
   action(QStringLiteral("mnuSignalCursor0"))->setChecked(cursor == views::SignalCursor::Free);
   action(QStringLiteral("mnuSignalCursor1"))->setChecked(cursor == views::SignalCursor::Bound);
+  supportWindows_->syncColorProperty();
 }
 
 // ---------------------------------------------------------------------------
@@ -360,6 +385,7 @@ void MainWindow::ViewRefresh(bool cheap) {
   } else {
     views::ViewRefresh(s_, registry);
   }
+  supportWindows_->viewRefreshed();
   refreshing_ = false;
 }
 

@@ -35,6 +35,7 @@ class PanelBar;
 class SpectrWindow;
 class ParametersWindow;
 class ShaftViews;
+class SupportWindows;
 class SignalWindow;
 
 class MainWindow : public QMainWindow, public ViewHost {
@@ -84,6 +85,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   MeasurementRun* measurementRun() const { return run_; }
   // The trajectory and rotor form windows.
   ShaftViews* shaftViews() const { return shaftViews_.get(); }
+  // The option sheet, configurations, file browser, choosers and help.
+  SupportWindows* supportWindows() const { return supportWindows_.get(); }
 
   // ViewHost.
   AppState& state() override { return s_; }
@@ -175,6 +178,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   const FileReaderTable& readers_;
   std::unique_ptr<views::AnalysisResults> analysis_;
   std::unique_ptr<ShaftViews> shaftViews_;
+  std::unique_ptr<SupportWindows> supportWindows_;
 
   QMdiArea* mdi_ = nullptr;
   QPointer<QMdiSubWindow> signalSub_;
