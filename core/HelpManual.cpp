@@ -32,6 +32,24 @@ HelpPage ReadPage(const QString& path, const QString& fileName) {
   return p;
 }
 
+// The first line of running text that holds the word, as a reader sees it:
+// without link targets, heading marks and emphasis.
+QString Excerpt(const QString& text, const QString& word) {
+  QString heading;
+  for (const QString& raw : text.split(QLatin1Char('\n'))) {
+    if (!raw.contains(word, Qt::CaseInsensitive) || raw.startsWith(QLatin1String("<!--"))) continue;
+    QString line = raw.trimmed();
+    line.replace(QRegularExpression(QStringLiteral("\\[([^\\]]*)\\]\\([^)]*\\)")), QStringLiteral("\\1"));
+    line.remove(QStringLiteral("**"));
+    if (line.startsWith(QLatin1Char('#'))) {
+      if (heading.isEmpty()) heading = line.remove(QRegularExpression(QStringLiteral("^#+\\s*")));
+      continue;
+    }
+    return line.left(160);
+  }
+  return heading;
+}
+
 }  // namespace
 
 QString HelpManual::findFolder(const QStringList& candidates) {
@@ -90,15 +108,16 @@ std::vector<HelpHit> HelpManual::search(const QString& query) const {
       hit.matches += n;
     }
     if (!all) continue;
-    for (const QString& line : p.text.split(QLatin1Char('\n'))) {
-      if (line.contains(words.front(), Qt::CaseInsensitive) && !line.startsWith(QLatin1String("<!--"))) {
-        hit.excerpt = line.trimmed().left(160);
-        break;
-      }
-    }
+    hit.excerpt = Excerpt(p.text, words.front());
     hits.push_back(hit);
   }
-  std::stable_sort(hits.begin(), hits.end(), [](const HelpHit& a, const HelpHit& b) { return a.matches > b.matches; });
+  // The contents page names every subject; it comes after the pages
+  // themselves.
+  const QString contents = QString::fromLatin1(kContentsPage);
+  std::stable_sort(hits.begin(), hits.end(), [&contents](const HelpHit& a, const HelpHit& b) {
+    if ((a.fileName == contents) != (b.fileName == contents)) return b.fileName == contents;
+    return a.matches > b.matches;
+  });
   return hits;
 }
 

@@ -14,9 +14,10 @@ if(TARGET aquilonix)
 endif()
 
 # The user manual; the program looks for it at ../share/doc/aquilonix/manual.
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/doc/manual DESTINATION ${CMAKE_INSTALL_DOCDIR}
+set(AQX_DOCDIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/aquilonix)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/doc/manual DESTINATION ${AQX_DOCDIR}
         FILES_MATCHING PATTERN "*.md")
-install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${AQX_DOCDIR})
 
 set(AQX_DESKTOP ${PROJECT_SOURCE_DIR}/desktop)
 install(FILES ${AQX_DESKTOP}/aquilonix.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)

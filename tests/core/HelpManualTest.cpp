@@ -55,7 +55,12 @@ TEST_F(Manual, SearchNeedsEveryWordAndRanksByMatches) {
   const auto both = m.search(QStringLiteral("курсор спектр"));
   ASSERT_EQ(both.size(), 1u);
   EXPECT_EQ(both[0].fileName, QStringLiteral("signal.md"));
-  EXPECT_TRUE(both[0].excerpt.contains(QStringLiteral("Курсор")));
+  EXPECT_EQ(both[0].excerpt, QStringLiteral("Курсор и спектр."));
+  // Link targets are not shown, and the contents page comes last.
+  const auto signal = m.search(QStringLiteral("сигнал"));
+  ASSERT_EQ(signal.size(), 2u);
+  EXPECT_EQ(signal[1].fileName, QStringLiteral("index.md"));
+  EXPECT_EQ(signal[1].excerpt, QStringLiteral("1. Сигнал"));
   EXPECT_TRUE(m.search(QStringLiteral("   ")).empty());
   EXPECT_TRUE(m.search(QStringLiteral("турбина")).empty());
 }
