@@ -82,13 +82,7 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   shaftViews_ = std::make_unique<ShaftViews>(*this, prompts_, actions_, this, std::move(shaftHooks));
   SupportWindows::Hooks supportHooks;
   supportHooks.settingsChanged = [this] {
-    applyBars();
-    applyBackground();
-    ReadRecentFile();
-    RefreshToolbarChannels();
-    RefreshToolbarMainMenu();
-    RefreshStatusBar();
-    refreshSignalMenuChecks();
+    applySettings();
     ViewRefresh(false);
   };
   supportHooks.openFile = [this](const QString& path) {
@@ -169,6 +163,11 @@ void MainWindow::load() {
   MainLoad(ctx);
   action(QStringLiteral("mnuSignalDelete"))->setEnabled(false);
   action(QStringLiteral("mnuSignalPaste"))->setEnabled(false);
+  applySettings();
+  supportWindows_->startUp();
+}
+
+void MainWindow::applySettings() {
   applyBars();
   applyBackground();
   ReadRecentFile();
@@ -177,7 +176,6 @@ void MainWindow::load() {
   RefreshStatusBar();
   OutPathFileDataToStatusBar();
   refreshSignalMenuChecks();
-  supportWindows_->startUp();
 }
 
 bool MainWindow::loadStartFile(const QString& commandLine) {

@@ -130,6 +130,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   void mnuFileRecentFile(int k);
   void mnuFileExit();
   void applyBars();
+  // Bars, menus, background and status bar as the settings now stand.
+  void applySettings();
   void mnuViewSignal();
   void mnuViewParameters();
   void mnuViewImposition();
