@@ -13,6 +13,9 @@ namespace {
 
 using F = SettingField;
 constexpr int32_t kMaxChannel = kMaxChannels;
+// Beyond any probe's range; guards the clearance limits typed into the sheet.
+constexpr int32_t kMaxClearanceMicrons = 100000;
+constexpr int32_t kMaxColorWord = 0xFFFFFF;
 
 // Scalar keys after the fixed first group, in the order of the key table.
 const SettingKey kScalarKeys[] = {
@@ -55,6 +58,7 @@ const SettingKey kScalarKeys[] = {
     {kSectionConfig, "SmoothingWindow", "1", [](AppState& s) -> F { return &s.options.config.SmoothingWindow; }, {}, 0, 8},
     {kSectionConfig, "AlphaParametr", "0", [](AppState& s) -> F { return &s.options.config.AlphaParametr; }},
     {kSectionConfig, "Overlapping", "50", [](AppState& s) -> F { return &s.options.config.Overlapping; }, {}, 0, 99},
+    {kSectionConfig, "ParametersTab", "0", [](AppState& s) -> F { return &s.options.config.ParametersTab; }, {}, 0, 3},
     // Signal view: the ticks of its menu in their order, then the rest.
     {kSectionSignal, "ScaleX", "1", [](AppState& s) -> F { return &s.options.signal.ScaleX; }, {"Шкала времени", "mnuSignalScaleX", 0}},
     {kSectionSignal, "ScaleY", "1", [](AppState& s) -> F { return &s.options.signal.ScaleY; }, {"Шкала уровня", "mnuSignalScaleY", 0}},
@@ -68,7 +72,7 @@ const SettingKey kScalarKeys[] = {
     {kSectionSignal, "StatusBar", "1", [](AppState& s) -> F { return &s.options.signal.StatusBar; }, {"Информационная строка", "mnuSignalStatusBar", 1}},
     {kSectionSignal, "Cursor", "-1", [](AppState& s) -> F { return &s.options.signal.Cursor; }},
     {kSectionSignal, "Corner", "0", [](AppState& s) -> F { return &s.options.signal.Corner; }},
-    {kSectionSignal, "SignalViewColorProperty", "1", [](AppState& s) -> F { return &s.options.signal.SignalViewColorProperty; }},
+    {kSectionSignal, "SignalViewColorProperty", "1", [](AppState& s) -> F { return &s.options.signal.SignalViewColorProperty; }, {"Окно значений", "mnuSignalViewColorProperty", 1}},
     // Spectrum view: the ticks of its menu in their groups, then the rest.
     {kSectionSpectr, "ViewGarmonic", "0", [](AppState& s) -> F { return &s.options.spectr.ViewGarmonic; }, {"Гармоники", "mnuSpectrGarmonica", 1}},
     {kSectionSpectr, "ViewLinesProbeFreq", "0", [](AppState& s) -> F { return &s.options.spectr.ViewLinesProbeFreq; }, {"Проверочные частоты", "mnuSpectrLinesProbeFreq", 1}},
@@ -90,35 +94,35 @@ const SettingKey kScalarKeys[] = {
     {kSectionTraectoria, "BeginPoint", "1", [](AppState& s) -> F { return &s.options.traectoria.BeginPoint; }, {"Начальная точка", "mnuTraectoriaBeginPoint", 0}},
     {kSectionTraectoria, "ScaleXY", "-1", [](AppState& s) -> F { return &s.options.traectoria.ScaleXY; }},
     // The option sheet.
-    {kSectionParameters, "VisibleChannels", "1", [](AppState& s) -> F { return &s.options.parameters.VisibleChannels; }},
-    {kSectionParameters, "ColorType", "1", [](AppState& s) -> F { return &s.options.parameters.ColorType; }},
-    {kSectionParameters, "FileLastLoad", "0", [](AppState& s) -> F { return &s.options.parameters.FileLastLoad; }},
-    {kSectionParameters, "AutoY0", "1", [](AppState& s) -> F { return &s.options.parameters.AutoY0; }},
-    {kSectionParameters, "ViewRealTime", "0", [](AppState& s) -> F { return &s.options.parameters.ViewRealTime; }},
-    {kSectionParameters, "AccountOffset", "1", [](AppState& s) -> F { return &s.AccountOffset; }},
-    {kSectionParameters, "StatusFilterConst", "1", [](AppState& s) -> F { return &s.options.parameters.StatusFilterConst; }},
-    {kSectionParameters, "StatusFilterBienie", "0", [](AppState& s) -> F { return &s.options.parameters.StatusFilterBienie; }},
-    {kSectionParameters, "SignalParameterMax", "1", [](AppState& s) -> F { return &s.options.parameters.SignalParameterMax; }},
-    {kSectionParameters, "SolidClerData", "0", [](AppState& s) -> F { return &s.options.parameters.SolidClerData; }},
-    {kSectionParameters, "ReminderConvertFile", "1", [](AppState& s) -> F { return &s.ReminderConvertFile; }},
-    {kSectionParameters, "ReminderOverload", "1", [](AppState& s) -> F { return &s.options.parameters.ReminderOverload; }},
-    {kSectionParameters, "ReminderClearenceMin", "1", [](AppState& s) -> F { return &s.options.parameters.ReminderClearenceMin; }},
-    {kSectionParameters, "ValueClearenceMin", "500", [](AppState& s) -> F { return &s.options.parameters.ValueClearenceMin; }},
-    {kSectionParameters, "ReminderClearenceMax", "1", [](AppState& s) -> F { return &s.options.parameters.ReminderClearenceMax; }},
-    {kSectionParameters, "ValueClearenceMax", "4000", [](AppState& s) -> F { return &s.options.parameters.ValueClearenceMax; }},
-    {kSectionParameters, "ReminderFileSave", "1", [](AppState& s) -> F { return &s.ReminderFileSave; }},
+    {kSectionParameters, "VisibleChannels", "1", [](AppState& s) -> F { return &s.options.parameters.VisibleChannels; }, {"Скрывать отключенные каналы", "chkVisibleChannels", 0}},
+    {kSectionParameters, "ColorType", "1", [](AppState& s) -> F { return &s.options.parameters.ColorType; }, {"Цветовое различие типа каналов", "chkColorType", 0}},
+    {kSectionParameters, "FileLastLoad", "0", [](AppState& s) -> F { return &s.options.parameters.FileLastLoad; }, {"Автоматическая загрузка последнего файла", "chkFileLastLoad", 0}},
+    {kSectionParameters, "AutoY0", "1", [](AppState& s) -> F { return &s.options.parameters.AutoY0; }, {"Автоматическое центрирование нулевой оси сигнала", "chkAutoY0", 1}},
+    {kSectionParameters, "ViewRealTime", "0", [](AppState& s) -> F { return &s.options.parameters.ViewRealTime; }, {"Отображение действительного времени в осциллограмме сигнала", "chkViewRealTime", 1}},
+    {kSectionParameters, "AccountOffset", "1", [](AppState& s) -> F { return &s.AccountOffset; }, {"Учитывать начальное смещение в сигналах биения вала", "chkAccountOffset", 1}},
+    {kSectionParameters, "StatusFilterConst", "1", [](AppState& s) -> F { return &s.options.parameters.StatusFilterConst; }, {"Фильтрация постоянной составляющей в сигналах", "chkStatusFilterConst", 1}},
+    {kSectionParameters, "StatusFilterBienie", "0", [](AppState& s) -> F { return &s.options.parameters.StatusFilterBienie; }, {"Фильтрация сигналов биения вала (0-20 Гц)", "chkStatusFilterBienie", 1}},
+    {kSectionParameters, "SignalParameterMax", "1", [](AppState& s) -> F { return &s.options.parameters.SignalParameterMax; }, {"Вывод максимальных значений параметров сигнала", "chkSignalParameterMax", 1}},
+    {kSectionParameters, "SolidClerData", "0", [](AppState& s) -> F { return &s.options.parameters.SolidClerData; }, {"Очистка предыдущих данных при непрерывном сборе", "chkSolidClerData", 0}},
+    {kSectionParameters, "ReminderConvertFile", "1", [](AppState& s) -> F { return &s.ReminderConvertFile; }, {"Конвертация файлов предыдущих версий", "chkReminderConvertFile", 2}},
+    {kSectionParameters, "ReminderOverload", "1", [](AppState& s) -> F { return &s.options.parameters.ReminderOverload; }, {"Перегрузка в данных сигнала", "chkReminderOverload", 2}},
+    {kSectionParameters, "ReminderClearenceMin", "1", [](AppState& s) -> F { return &s.options.parameters.ReminderClearenceMin; }, {"Возможность задевания датчика о вал", "chkReminderClearenceMin", 2}},
+    {kSectionParameters, "ValueClearenceMin", "500", [](AppState& s) -> F { return &s.options.parameters.ValueClearenceMin; }, {"Величина минимального зазора, мкм", "txtValueClearenceMin", 2}, 0, kMaxClearanceMicrons},
+    {kSectionParameters, "ReminderClearenceMax", "1", [](AppState& s) -> F { return &s.options.parameters.ReminderClearenceMax; }, {"Возможность нахождения вала вне измеряемого диапазона", "chkReminderClearenceMax", 2}},
+    {kSectionParameters, "ValueClearenceMax", "4000", [](AppState& s) -> F { return &s.options.parameters.ValueClearenceMax; }, {"Величина максимального зазора, мкм", "txtValueClearenceMax", 2}, 0, kMaxClearanceMicrons},
+    {kSectionParameters, "ReminderFileSave", "1", [](AppState& s) -> F { return &s.ReminderFileSave; }, {"Необходимость сохранения файла", "chkReminderFileSave", 2}},
     // Named colours, blue-green-red words as decimal numbers.
-    {kSectionColor, "ColorLineOtmetchick", "255", [](AppState& s) -> F { return &s.options.color.ColorLineOtmetchick; }},
-    {kSectionColor, "ColorLinePorogOtmetchick", "32768", [](AppState& s) -> F { return &s.options.color.ColorLinePorogOtmetchick; }},
-    {kSectionColor, "ColorLineCenterSignal", "8421504", [](AppState& s) -> F { return &s.options.color.ColorLineCenterSignal; }},
-    {kSectionColor, "ColorBeginPoint", "16711680", [](AppState& s) -> F { return &s.options.color.ColorBeginPoint; }},
-    {kSectionColor, "ColorLineY0Signal", "0", [](AppState& s) -> F { return &s.options.color.ColorLineY0Signal; }},
-    {kSectionColor, "ColorGrid", "12632256", [](AppState& s) -> F { return &s.options.color.ColorGrid; }},
-    {kSectionColor, "ColorLineSynchro", "8388736", [](AppState& s) -> F { return &s.options.color.ColorLineSynchro; }},
-    {kSectionColor, "ColorCarsetSpectrum", "0", [](AppState& s) -> F { return &s.options.color.ColorCarsetSpectrum; }},
-    {kSectionColor, "ColorText", "0", [](AppState& s) -> F { return &s.options.color.ColorText; }},
-    {kSectionColor, "ColorLinesGarmonic", "16711680", [](AppState& s) -> F { return &s.options.color.ColorLinesGarmonic; }},
-    {kSectionColor, "ColorLinesProbeFreq", "32768", [](AppState& s) -> F { return &s.options.color.ColorLinesProbeFreq; }},
+    {kSectionColor, "ColorLineOtmetchick", "255", [](AppState& s) -> F { return &s.options.color.ColorLineOtmetchick; }, {"Линия срабатывания отметчика", "cmdColorLineOtmetchick", 3}, 0, kMaxColorWord},
+    {kSectionColor, "ColorLinePorogOtmetchick", "32768", [](AppState& s) -> F { return &s.options.color.ColorLinePorogOtmetchick; }, {"Линия порога срабатывания отметчика", "cmdColorLinePorogOtmetchick", 3}, 0, kMaxColorWord},
+    {kSectionColor, "ColorLineCenterSignal", "8421504", [](AppState& s) -> F { return &s.options.color.ColorLineCenterSignal; }, {"Вертикальная линия центра сигнала", "cmdColorLineCenterSignal", 3}, 0, kMaxColorWord},
+    {kSectionColor, "ColorBeginPoint", "16711680", [](AppState& s) -> F { return &s.options.color.ColorBeginPoint; }, {"Горизонтальная линия начальной точки положения вала", "cmdColorBeginPoint", 3}, 0, kMaxColorWord},
+    {kSectionColor, "ColorLineY0Signal", "0", [](AppState& s) -> F { return &s.options.color.ColorLineY0Signal; }, {"Горизонтальная линия нуля сигнала", "cmdColorLineY0Signal", 3}, 0, kMaxColorWord},
+    {kSectionColor, "ColorGrid", "12632256", [](AppState& s) -> F { return &s.options.color.ColorGrid; }, {"Сетка", "cmdColorGrid", 3}, 0, kMaxColorWord},
+    {kSectionColor, "ColorLineSynchro", "8388736", [](AppState& s) -> F { return &s.options.color.ColorLineSynchro; }, {"Линия порога срабатывания синхронизации", "cmdColorLineSynchro", 3}, 0, kMaxColorWord},
+    {kSectionColor, "ColorCarsetSpectrum", "0", [](AppState& s) -> F { return &s.options.color.ColorCarsetSpectrum; }, {"Карсет каскада спектров", "cmdColorCarsetSpectrum", 3}, 0, kMaxColorWord},
+    {kSectionColor, "ColorText", "0", [](AppState& s) -> F { return &s.options.color.ColorText; }, {"Шрифт", "cmdColorText", 3}, 0, kMaxColorWord},
+    {kSectionColor, "ColorLinesGarmonic", "16711680", [](AppState& s) -> F { return &s.options.color.ColorLinesGarmonic; }, {"Линии ориентриры - Гармоники", "cmdColorLinesGarmonic", 3}, 0, kMaxColorWord},
+    {kSectionColor, "ColorLinesProbeFreq", "32768", [](AppState& s) -> F { return &s.options.color.ColorLinesProbeFreq; }, {"Линии ориентриры - Проверочные частоты", "cmdColorLinesProbeFreq", 3}, 0, kMaxColorWord},
     // Synchronisation of a run.
     {kSectionSynchro, "InputMode", "0", [](AppState& s) -> F { return &s.InputMode; }},
     {kSectionSynchro, "SynchroAdType", "0", [](AppState& s) -> F { return &s.SynchroAdType; }},

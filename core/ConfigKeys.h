@@ -42,11 +42,12 @@ inline constexpr char kSectionRecent[] = "Recent";
 
 using SettingField = std::variant<int32_t*, bool*, float*, double*, QString*>;
 
-// The entry of a menu that ticks a boolean option.
+// The control that shows an option: the entry of a menu that ticks it
+// ("mnu..."), or a control of the option sheet ("chk...", "txt...", "cmd...").
 struct OptionMenuEntry {
   const char* caption = nullptr;     // nullptr: no entry of its own
   const char* objectName = nullptr;  // "mnuSignalLineZero"
-  int group = 0;                     // a menu's entries stand in groups, a separator apart
+  int group = 0;                     // menu: groups a separator apart; sheet: its tab
 };
 
 struct SettingKey {
@@ -78,7 +79,8 @@ std::span<const ChannelSettingKey> ChannelSettingKeys();
 
 // The scalar key of that section and name, or nullptr.
 const SettingKey* FindSettingKey(const QString& section, const QString& key);
-// The rows of one section that a menu ticks, in table order.
+// The rows of one section that a menu or the option sheet shows, in table
+// order.
 std::vector<const SettingKey*> MenuOptions(const char* section);
 // A boolean option's value in the state; false for a row that holds no flag.
 bool OptionFlag(const AppState& s, const SettingKey& key);

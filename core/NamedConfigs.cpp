@@ -1,6 +1,7 @@
 #include "core/NamedConfigs.h"
 
 #include "core/Config.h"
+#include "core/ConfigKeys.h"
 
 #include <QDir>
 #include <QFile>
@@ -31,6 +32,14 @@ bool AskReplace(Prompts& prompts) {
                      Title()) == PromptAnswer::Yes;
 }
 }  // namespace
+
+bool IsSettingsSnapshot(const SettingsTree& tree) {
+  const char* const known[] = {kApplicationName, kSectionConfig, kSectionChannel, kSectionParameters,
+                               kSectionColor,    kSectionSignal, kSectionSpectr,  kSectionRecent};
+  for (const char* section : known)
+    if (tree.count(QString::fromLatin1(section)) != 0) return true;
+  return false;
+}
 
 QString ConfigsFolder(const QString& settingsFilePath) {
   return QFileInfo(settingsFilePath).absolutePath() + QStringLiteral("/Configs");
@@ -63,6 +72,9 @@ ConfigResult RestoreNamedConfig(SettingsStore& store, const QString& folder, con
   if (!Exists(folder, name)) return ConfigResult::NotFound;
   SettingsFileRead read = ReadSettingsFile(PathOf(folder, name));
   if (!read.complete || !read.wellFormed) return ConfigResult::Failed;
+  // The reader passes over lines it cannot use, so a file of another program
+  // would read as an empty tree and wipe every setting.
+  if (!IsSettingsSnapshot(read.tree)) return ConfigResult::Failed;
   return store.replaceAll(std::move(read.tree)) ? ConfigResult::Done : ConfigResult::Failed;
 }
 

@@ -32,6 +32,10 @@ QStringList ListConfigs(const QString& folder);
 // A name is one file name: not empty, no path separator, not hidden.
 bool IsValidConfigName(const QString& name);
 
+// A tree that holds settings of this program (a section it knows), not
+// the leftovers of another program's file.
+bool IsSettingsSnapshot(const SettingsTree& tree);
+
 // The operations themselves, without questions. The folder is created when
 // missing.
 ConfigResult SaveNamedConfig(const SettingsStore& store, const QString& folder,

@@ -49,6 +49,7 @@ struct ConfigOptions {
   int32_t SmoothingWindow = 1;
   double AlphaParametr = 0.0;
   int32_t Overlapping = 50;
+  int32_t ParametersTab = 0;         // the option sheet's tab shown last
 };
 
 // Section Signal: the check marks of the signal view's menu.

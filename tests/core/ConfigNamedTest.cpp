@@ -106,6 +106,16 @@ TEST(NamedConfigs, AFailedRestoreLeavesTheSettingsExactlyAsTheyWere) {
   EXPECT_EQ(blocked.tree(), blockedBefore);
 }
 
+TEST(NamedConfigs, AFileOfAnotherProgramIsNoConfiguration) {
+  Station st;
+  const SettingsTree before = st.store.tree();
+  WriteBytes(st.folder() + QStringLiteral("/picture"), QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16));
+  WriteBytes(st.folder() + QStringLiteral("/other.ini"), QByteArray("[General]\nwindowState=1\n"));
+  for (const char* name : {"picture", "other.ini"})
+    EXPECT_EQ(RestoreNamedConfig(st.store, st.folder(), QString::fromLatin1(name)), ConfigResult::Failed) << name;
+  EXPECT_EQ(st.store.tree(), before);
+}
+
 TEST(NamedConfigs, RenameAndDeleteAskAndNamesStayInsideTheFolder) {
   Station st;
   ASSERT_EQ(SaveNamedConfig(st.store, st.folder(), QStringLiteral("a"), false), ConfigResult::Done);

@@ -11,6 +11,7 @@
 #include "ui/reports/ReportWindows.h"
 #include "ui/rotor/ShaftViews.h"
 #include "ui/editing/RecordingEdits.h"
+#include "ui/options/SupportWindows.h"
 #include "ui/signal/SignalWindow.h"
 
 #include <QActionGroup>
@@ -96,7 +97,7 @@ void MainWindow::buildFileMenu() {
   QAction* save = addCommand(mnuFile_, "mnuFileSave", QStringLiteral("Сохранить ..."), &MainWindow::mnuFileSave);
   save->setIcon(MakeToolIcon(ToolIcon::Save));
   save->setShortcut(QKeySequence::Save);
-  addLaterCommand(mnuFile_, "mnuFileFiles", QStringLiteral("Файлы"));
+  supportWindows_->addCommand(mnuFile_, "mnuFileFiles", QStringLiteral("Файлы"));
   mnuFile_->addSeparator();
   edits_->addCommand(mnuFile_, "mnuFileImport", QStringLiteral("Импорт"));
   edits_->addCommand(mnuFile_, "mnuFileExport", QStringLiteral("Экспорт"));
@@ -104,7 +105,7 @@ void MainWindow::buildFileMenu() {
   QAction* copy = addCommand(mnuFile_, "mnuFileCopy", QStringLiteral("Копировать"), &MainWindow::mnuFileCopy);
   copy->setIcon(MakeToolIcon(ToolIcon::Copy));
   copy->setShortcut(QKeySequence::Copy);
-  QAction* property = addLaterCommand(mnuFile_, "mnuFileProperty", QStringLiteral("Свойства"));
+  QAction* property = supportWindows_->addCommand(mnuFile_, "mnuFileProperty", QStringLiteral("Свойства"));
   property->setIcon(MakeToolIcon(ToolIcon::FileData));
   mnuFile_->addSeparator()->setObjectName(QStringLiteral("mnuFileLine3"));
   for (int k = 1; k <= kRecentFileCount; ++k) {
@@ -211,7 +212,7 @@ void MainWindow::buildOtherMenus() {
   for (const SetupEntry& e : setupCommands) {
     if (e.handler) {
       addCommand(setup, e.name, QString::fromUtf8(e.caption), e.handler);
-    } else {
+    } else if (!supportWindows_->addCommand(setup, e.name, QString::fromUtf8(e.caption))) {
       addLaterCommand(setup, e.name, QString::fromUtf8(e.caption));
     }
   }
@@ -240,11 +241,11 @@ void MainWindow::buildOtherMenus() {
 
   QMenu* help = menuBar()->addMenu(QStringLiteral("&Справка"));
   help->setObjectName(QStringLiteral("mnuHelp"));
-  addLaterCommand(help, "mnuHelpContents", QStringLiteral("Содержание"));
-  addLaterCommand(help, "mnuHelpSearch", QStringLiteral("Поиск"));
-  addLaterCommand(help, "mnuHelpOnHelp", QStringLiteral("Как получить помощь"));
+  supportWindows_->addCommand(help, "mnuHelpContents", QStringLiteral("Содержание"));
+  supportWindows_->addCommand(help, "mnuHelpSearch", QStringLiteral("Поиск"));
+  supportWindows_->addCommand(help, "mnuHelpOnHelp", QStringLiteral("Как получить помощь"));
   help->addSeparator();
-  addLaterCommand(help, "mnuHelpAdvice", QStringLiteral("Совет дня"));
+  supportWindows_->addCommand(help, "mnuHelpAdvice", QStringLiteral("Совет дня"));
   help->addSeparator();
   addCommand(help, "mnuHelpAbout", QStringLiteral("О программе"), &MainWindow::mnuHelpAbout);
 }

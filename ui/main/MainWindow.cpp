@@ -10,6 +10,7 @@
 #include "ui/acquisition/MeasureCommands.h"
 #include "ui/rotor/ShaftViews.h"
 #include "ui/editing/RecordingEdits.h"
+#include "ui/options/SupportWindows.h"
 #include "ui/signal/ParametersWindow.h"
 #include "ui/signal/SignalWindow.h"
 #include "core/ConfigKeys.h"
@@ -110,6 +111,21 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
                      [this] { RefreshToolbarChannels(); RefreshToolbarMainMenu(); RefreshStatusBar(); },
                      [this] { if (SignalWindow* w = signalWindow()) w->ResetValueElements(); }},
       vocab_, actions_, this);
+  SupportWindows::Hooks supportHooks;
+  supportHooks.settingsChanged = [this] {
+    applySettings();
+    ViewRefresh(false);
+  };
+  supportHooks.openFile = [this](const QString& path) {
+    return !measuring_ && ConfirmReplaceData(s_, prompts_) && OpenFile(path);
+  };
+  supportHooks.closeProgram = [this] { close(); };
+  supportHooks.signalWindow = [this] { return signalWindow(); };
+  supportHooks.activeViewName = [this] {
+    return mdi_->activeSubWindow() && mdi_->activeSubWindow()->widget() ? mdi_->activeSubWindow()->widget()->objectName()
+                                                                       : objectName();
+  };
+  supportWindows_ = std::make_unique<SupportWindows>(*this, prompts_, actions_, this, std::move(supportHooks));
   buildMenus();
   buildToolbars();
   buildStatusBar();
@@ -181,6 +197,11 @@ void MainWindow::load() {
   MainLoad(ctx);
   action(QStringLiteral("mnuSignalDelete"))->setEnabled(false);
   action(QStringLiteral("mnuSignalPaste"))->setEnabled(false);
+  applySettings();
+  supportWindows_->startUp();
+}
+
+void MainWindow::applySettings() {
   applyBars();
   applyBackground();
   ReadRecentFile();
@@ -270,6 +291,7 @@ void MainWindow::RefreshToolbarMainMenu() {
   edits_->refreshCommands(data);
   reportWindows_->refreshCommands(idle);
   measure_->refreshCommands(data, measuring_, run_->continuous());
+  supportWindows_->refreshCommands(data, measuring_);
   updateViewChecks();
 }
 
@@ -363,6 +385,7 @@ void MainWindow::refreshSignalMenuChecks() {
   const views::SignalCursor cursor = views::CursorOf(s_);
   action(QStringLiteral("mnuSignalCursor0"))->setChecked(cursor == views::SignalCursor::Free);
   action(QStringLiteral("mnuSignalCursor1"))->setChecked(cursor == views::SignalCursor::Bound);
+  supportWindows_->syncColorProperty();
 }
 
 // ---------------------------------------------------------------------------
@@ -398,6 +421,7 @@ void MainWindow::ViewRefresh(bool cheap) {
   } else {
     views::ViewRefresh(s_, registry);
   }
+  supportWindows_->viewRefreshed();
   refreshing_ = false;
 }
 

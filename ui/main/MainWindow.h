@@ -38,6 +38,7 @@ class ParametersWindow;
 class RecordingEdits;
 class ReportWindows;
 class ShaftViews;
+class SupportWindows;
 class SignalWindow;
 
 class MainWindow : public QMainWindow, public ViewHost {
@@ -92,6 +93,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   ReportWindows* reportWindows() const { return reportWindows_.get(); }
   // The measurement settings, marker, calibration and monitor windows.
   MeasureCommands* measureCommands() const { return measure_.get(); }
+  // The option sheet, configurations, file browser, choosers and help.
+  SupportWindows* supportWindows() const { return supportWindows_.get(); }
 
   // ViewHost.
   AppState& state() override { return s_; }
@@ -135,6 +138,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   void mnuFileRecentFile(int k);
   void mnuFileExit();
   void applyBars();
+  // Bars, menus, background and status bar as the settings now stand.
+  void applySettings();
   void mnuViewSignal();
   void mnuViewParameters();
   void mnuViewImposition();
@@ -186,6 +191,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   std::unique_ptr<RecordingEdits> edits_;
   std::unique_ptr<ReportWindows> reportWindows_;
   std::unique_ptr<MeasureCommands> measure_;
+  std::unique_ptr<SupportWindows> supportWindows_;
 
   QMdiArea* mdi_ = nullptr;
   QPointer<QMdiSubWindow> signalSub_;

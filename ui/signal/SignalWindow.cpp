@@ -311,6 +311,7 @@ void SignalWindow::apply(const views::SignalAction& a) {
   if (a.statusBar) outInfoToStatusBar();
   if (a.controls) syncControls();
   if (a.popupMenu) host_.showSignalPopup(QCursor::pos());
+  if (a.colorProperty && colorPropertyChanged) colorPropertyChanged();
 }
 
 void SignalWindow::updateCrosshair() {

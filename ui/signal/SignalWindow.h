@@ -11,6 +11,7 @@
 #include <QImage>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 class QScrollBar;
@@ -50,6 +51,11 @@ class SignalWindow : public QWidget {
   // The picture with its text header, as it goes to the clipboard.
   QImage CopyPictureImage();
   void CopyPicture();
+
+  // frmViewColorProperty: while open, cursor moves fill its values and
+  // call colorPropertyChanged.
+  void setColorPropertyOpen(bool open) { v_.ColorPropertyOpen = open; }
+  std::function<void()> colorPropertyChanged;
 
   // For tests and the window's owner.
   const views::SignalViewState& viewState() const { return v_; }
