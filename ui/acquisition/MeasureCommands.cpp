@@ -25,13 +25,13 @@ struct CommandEntry {
 };
 
 constexpr std::array<CommandEntry, 7> kCommands{{
-    {"mnuSetupRecord", &MeasureCommands::mnuSetupRecord},
-    {"mnuSetupChannels", &MeasureCommands::mnuSetupChannels},
-    {"mnuSetupOtmetchick", &MeasureCommands::mnuSetupOtmetchick},
-    {"mnuServiceOtm", &MeasureCommands::mnuServiceOtm},
-    {"mnuServiceDetectSensor", &MeasureCommands::mnuServiceDetectSensor},
-    {"mnuServiceLineka", &MeasureCommands::mnuServiceLineka},
-    {"mnuViewStatusFile", &MeasureCommands::mnuViewStatusFile},
+    {"mnuSetupRecord", &MeasureCommands::onSetupRecord},
+    {"mnuSetupChannels", &MeasureCommands::onSetupChannels},
+    {"mnuSetupOtmetchick", &MeasureCommands::onSetupOtmetchick},
+    {"mnuServiceOtm", &MeasureCommands::onServiceOtm},
+    {"mnuServiceDetectSensor", &MeasureCommands::onServiceDetectSensor},
+    {"mnuServiceLineka", &MeasureCommands::onServiceLineka},
+    {"mnuViewStatusFile", &MeasureCommands::onViewStatusFile},
 }};
 
 }  // namespace
@@ -113,27 +113,27 @@ void MeasureCommands::showDialog(QPointer<Window>& slot, Window* created) {
   slot->show();
 }
 
-void MeasureCommands::mnuSetupRecord() {
+void MeasureCommands::onSetupRecord() {
   if (!setupRec_) showDialog(setupRec_, new SetupRecWindow(ctx_, frame_));
 }
 
-void MeasureCommands::mnuSetupChannels() {
+void MeasureCommands::onSetupChannels() {
   if (!setupChannels_) showDialog(setupChannels_, new SetupChannelsWindow(ctx_, vocab_, frame_));
 }
 
-void MeasureCommands::mnuSetupOtmetchick() {
+void MeasureCommands::onSetupOtmetchick() {
   if (!setupOtmetchick_) showDialog(setupOtmetchick_, new SetupOtmetchickWindow(ctx_, frame_));
 }
 
-void MeasureCommands::mnuServiceOtm() {
+void MeasureCommands::onServiceOtm() {
   if (!serviceOtmetchick_) showDialog(serviceOtmetchick_, new ServiceOtmetchickWindow(ctx_, frame_));
 }
 
-void MeasureCommands::mnuServiceDetectSensor() {
+void MeasureCommands::onServiceDetectSensor() {
   if (!detectSensor_) showDialog(detectSensor_, new DetectSensorWindow(ctx_, frame_));
 }
 
-void MeasureCommands::mnuServiceLineka() {
+void MeasureCommands::onServiceLineka() {
   if (lineka_) {
     lineka_->close();
   } else {
@@ -146,7 +146,7 @@ void MeasureCommands::mnuServiceLineka() {
   if (QAction* a = actions_.value(QStringLiteral("mnuServiceLineka"))) a->setChecked(lineka_ && lineka_->isVisible());
 }
 
-void MeasureCommands::mnuViewStatusFile() {
+void MeasureCommands::onViewStatusFile() {
   showStatusFile(!statusFile_ && recording_);
 }
 

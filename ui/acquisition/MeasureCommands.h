@@ -44,14 +44,14 @@ class MeasureCommands : public QObject {
   void refreshCommands(bool data, bool measuring, bool continuousRun);
 
   // The commands.
-  void mnuSetupRecord();
-  void mnuSetupChannels();
-  void mnuSetupOtmetchick();
-  void mnuServiceOtm();
-  void mnuServiceDetectSensor();
-  void mnuServiceLineka();
+  void onSetupRecord();
+  void onSetupChannels();
+  void onSetupOtmetchick();
+  void onServiceOtm();
+  void onServiceDetectSensor();
+  void onServiceLineka();
   // mnuViewStatusFile: shows and hides the monitor during a recording.
-  void mnuViewStatusFile();
+  void onViewStatusFile();
   // The run's start and stop.
   void showStatusFile(bool show);
 

@@ -1,6 +1,6 @@
 #include "ui/files/RecordingSummary.h"
 
-#include "core/FileReaders.h"
+#include "core/ReaderTable.h"
 #include "core/Prompts.h"
 #include "files/FileReaders.h"
 #include "ui/main/Workspace.h"

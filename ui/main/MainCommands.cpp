@@ -32,14 +32,14 @@ namespace aqx::ui {
 // File menu.
 // ---------------------------------------------------------------------------
 
-void MainWindow::mnuFileRecord() { run_->press(); }
+void MainWindow::onFileRecord() { run_->press(); }
 
-void MainWindow::mnuFileOpen() {
+void MainWindow::onFileOpen() {
   OpenFileContext ctx = context();
   FileOpenCommand(ctx);
 }
 
-void MainWindow::mnuFileSave() {
+void MainWindow::onFileSave() {
   if (!HasData(s_) || measuring_) return;
   if (!SaveDataFileCommand(s_, prompts_)) return;
   AddNewRecentFile(store_, s_.PathFileData);
@@ -50,13 +50,13 @@ void MainWindow::mnuFileSave() {
 
 // Block navigation of a continuous recording: the new block is read and the
 // views recomputed; a failed read has been told by the reporter.
-void MainWindow::mnuViewBlock(SolidBlockCommand command) {
+void MainWindow::onViewBlock(SolidBlockCommand command) {
   if (!s_.SolidMode || measuring_) return;
   if (RunSolidBlockCommand(s_, command, prompts_) == 0) ViewRefresh();
   RefreshToolbarMainMenu();
 }
 
-void MainWindow::mnuFileCopy() {
+void MainWindow::onFileCopy() {
   QMdiSubWindow* active = mdi_->activeSubWindow();
   if (!active) return;
   if (auto* w = qobject_cast<SignalWindow*>(active->widget())) w->CopyPicture();
@@ -68,12 +68,12 @@ void MainWindow::mnuFileCopy() {
   shaftViews_->copyPicture(active->widget());
 }
 
-void MainWindow::mnuFileRecentFile(int k) {
+void MainWindow::onFileRecentFile(int k) {
   OpenFileContext ctx = context();
   OpenRecentFileCommand(ctx, k);
 }
 
-void MainWindow::mnuFileExit() { close(); }
+void MainWindow::onFileExit() { close(); }
 
 // ---------------------------------------------------------------------------
 // View menu.
@@ -87,7 +87,7 @@ void MainWindow::applyBars() {
   RefreshOptionChecks(actions_, s_, kSectionConfig);
 }
 
-void MainWindow::mnuViewSignal() {
+void MainWindow::onViewSignal() {
   if (signalWindow()) {
     closeView(frmViewSignal);
   } else if (hasData()) {
@@ -97,7 +97,7 @@ void MainWindow::mnuViewSignal() {
   RefreshToolbarMainMenu();
 }
 
-void MainWindow::mnuViewParameters() {
+void MainWindow::onViewParameters() {
   if (parametersWindow()) {
     closeView(kParametersWindow);
   } else if (hasData()) {
@@ -129,9 +129,9 @@ void MainWindow::Imposition() {
   ViewRefresh();
 }
 
-void MainWindow::mnuViewImposition() { Imposition(); }
+void MainWindow::onViewImposition() { Imposition(); }
 
-void MainWindow::mnuViewStyle(int style) {
+void MainWindow::onViewStyle(int style) {
   s_.ViewStyle = style;
   SaveViewStyle(store_, s_);
   SetViewStyle();
@@ -171,7 +171,7 @@ void MainWindow::ActivateElements(bool run) {
 // The signal view's popup menu.
 // ---------------------------------------------------------------------------
 
-void MainWindow::mnuSignalCursor(int entry) {
+void MainWindow::onSignalCursor(int entry) {
   const views::SignalCursor cursor = entry == 0 ? views::SignalCursor::Free : views::SignalCursor::Bound;
   if (SignalWindow* w = signalWindow()) {
     w->SetTypeCursor(cursor);
@@ -182,15 +182,15 @@ void MainWindow::mnuSignalCursor(int entry) {
   refreshSignalMenuChecks();
 }
 
-void MainWindow::mnuSignalZoomBack() {
+void MainWindow::onSignalZoomBack() {
   if (SignalWindow* w = signalWindow()) w->ZoomBack();
 }
 
-void MainWindow::mnuSignalShowAll() {
+void MainWindow::onSignalShowAll() {
   if (SignalWindow* w = signalWindow()) w->ShowAll();
 }
 
-void MainWindow::mnuSignalCopy() {
+void MainWindow::onSignalCopy() {
   if (SignalWindow* w = signalWindow()) w->CopyPicture();
 }
 
@@ -198,7 +198,7 @@ void MainWindow::mnuSignalCopy() {
 // Window and help menus.
 // ---------------------------------------------------------------------------
 
-void MainWindow::mnuWindowCascade() {
+void MainWindow::onWindowCascade() {
   // The windows of the stacking order, the one in front last and so in front.
   const QList<QMdiSubWindow*> windows = mdi_->subWindowList(QMdiArea::StackingOrder);
   const QSize area = mdi_->viewport()->size();
@@ -224,15 +224,15 @@ void MainWindow::fitViewsIntoArea() {
       w->setGeometry(fitted.left, fitted.top, fitted.width, fitted.height);
   }
 }
-void MainWindow::mnuWindowTileAcross() { tile(true); }
-void MainWindow::mnuWindowTileSideBySide() { tile(false); }
+void MainWindow::onWindowTileAcross() { tile(true); }
+void MainWindow::onWindowTileSideBySide() { tile(false); }
 
-void MainWindow::mnuWindowClose() {
+void MainWindow::onWindowClose() {
   closeAllViews();
   RefreshToolbarMainMenu();
 }
 
-void MainWindow::mnuHelpAbout() {
+void MainWindow::onHelpAbout() {
   prompts_.tell(QStringLiteral("Aquilonix v%1.%2.%3\nКомплекс наблюдения за гидроагрегатом\n\n"
                                "Запись и анализ сигналов датчиков гидроагрегата:\n"
                                "биение вала, вибрация, отметчик оборотов и другие.")
@@ -243,7 +243,7 @@ void MainWindow::mnuHelpAbout() {
 }
 
 // The module's service windows stand beside the workspace, one of each.
-void MainWindow::mnuHelpADC() {
+void MainWindow::onHelpADC() {
   // The command and its button show and hide the window, like the views'.
   if (infoAdc_) {
     infoAdc_->close();
@@ -260,7 +260,7 @@ void MainWindow::mnuHelpADC() {
   updateViewChecks();
 }
 
-void MainWindow::mnuServiceDigitalLines() {
+void MainWindow::onServiceDigitalLines() {
   if (digitalLines_) {
     digitalLines_->raise();
     digitalLines_->activateWindow();

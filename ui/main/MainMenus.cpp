@@ -84,43 +84,43 @@ void MainWindow::buildMenus() {
 }
 
 void MainWindow::buildFileMenu() {
-  mnuFile_ = menuBar()->addMenu(QStringLiteral("&Файл"));
-  mnuFile_->setObjectName(QStringLiteral("mnuFile"));
-  QAction* record = addCommand(mnuFile_, "mnuFileRecord", QStringLiteral("Пуск измерений"), &MainWindow::mnuFileRecord);
+  fileMenu_ = menuBar()->addMenu(QStringLiteral("&Файл"));
+  fileMenu_->setObjectName(QStringLiteral("mnuFile"));
+  QAction* record = addCommand(fileMenu_, "mnuFileRecord", QStringLiteral("Пуск измерений"), &MainWindow::onFileRecord);
   record->setCheckable(true);
   record->setIcon(MakeToolIcon(ToolIcon::Record));
   record->setShortcut(QKeySequence(Qt::Key_F5));
-  mnuFile_->addSeparator();
-  QAction* open = addCommand(mnuFile_, "mnuFileOpen", QStringLiteral("Открыть ..."), &MainWindow::mnuFileOpen);
+  fileMenu_->addSeparator();
+  QAction* open = addCommand(fileMenu_, "mnuFileOpen", QStringLiteral("Открыть ..."), &MainWindow::onFileOpen);
   open->setIcon(MakeToolIcon(ToolIcon::Open));
   open->setShortcut(QKeySequence::Open);
-  QAction* save = addCommand(mnuFile_, "mnuFileSave", QStringLiteral("Сохранить ..."), &MainWindow::mnuFileSave);
+  QAction* save = addCommand(fileMenu_, "mnuFileSave", QStringLiteral("Сохранить ..."), &MainWindow::onFileSave);
   save->setIcon(MakeToolIcon(ToolIcon::Save));
   save->setShortcut(QKeySequence::Save);
-  supportWindows_->addCommand(mnuFile_, "mnuFileFiles", QStringLiteral("Файлы"));
-  mnuFile_->addSeparator();
-  edits_->addCommand(mnuFile_, "mnuFileImport", QStringLiteral("Импорт"));
-  edits_->addCommand(mnuFile_, "mnuFileExport", QStringLiteral("Экспорт"));
-  mnuFile_->addSeparator();
-  QAction* copy = addCommand(mnuFile_, "mnuFileCopy", QStringLiteral("Копировать"), &MainWindow::mnuFileCopy);
+  supportWindows_->addCommand(fileMenu_, "mnuFileFiles", QStringLiteral("Файлы"));
+  fileMenu_->addSeparator();
+  edits_->addCommand(fileMenu_, "mnuFileImport", QStringLiteral("Импорт"));
+  edits_->addCommand(fileMenu_, "mnuFileExport", QStringLiteral("Экспорт"));
+  fileMenu_->addSeparator();
+  QAction* copy = addCommand(fileMenu_, "mnuFileCopy", QStringLiteral("Копировать"), &MainWindow::onFileCopy);
   copy->setIcon(MakeToolIcon(ToolIcon::Copy));
   copy->setShortcut(QKeySequence::Copy);
-  QAction* property = supportWindows_->addCommand(mnuFile_, "mnuFileProperty", QStringLiteral("Свойства"));
+  QAction* property = supportWindows_->addCommand(fileMenu_, "mnuFileProperty", QStringLiteral("Свойства"));
   property->setIcon(MakeToolIcon(ToolIcon::FileData));
-  mnuFile_->addSeparator()->setObjectName(QStringLiteral("mnuFileLine3"));
+  fileMenu_->addSeparator()->setObjectName(QStringLiteral("mnuFileLine3"));
   for (int k = 1; k <= kRecentFileCount; ++k) {
     auto* a = new QAction(this);
     a->setObjectName(QStringLiteral("mnuFileRecentFile%1").arg(k));
     a->setVisible(false);
-    connect(a, &QAction::triggered, this, [this, k] { mnuFileRecentFile(k); });
-    mnuFile_->addAction(a);
+    connect(a, &QAction::triggered, this, [this, k] { onFileRecentFile(k); });
+    fileMenu_->addAction(a);
     actions_.insert(a->objectName(), a);
     recentActions_.push_back(a);
   }
-  recentLine_ = mnuFile_->addSeparator();
+  recentLine_ = fileMenu_->addSeparator();
   recentLine_->setObjectName(QStringLiteral("mnuFileLineRecent"));
   recentLine_->setVisible(false);
-  QAction* exit = addCommand(mnuFile_, "mnuFileExit", QStringLiteral("Выход"), &MainWindow::mnuFileExit);
+  QAction* exit = addCommand(fileMenu_, "mnuFileExit", QStringLiteral("Выход"), &MainWindow::onFileExit);
   exit->setShortcut(QKeySequence(Qt::ALT | Qt::Key_F4));
 }
 
@@ -129,13 +129,13 @@ void MainWindow::buildViewMenu() {
   view->setObjectName(QStringLiteral("mnuView"));
   AddOptionToggles(view, kSectionConfig, 0, s_, store_, actions_, [this] { applyBars(); });
   view->addSeparator();
-  QAction* signal = addToggle(view, "mnuViewSignal", QStringLiteral("Сигнал"), &MainWindow::mnuViewSignal);
+  QAction* signal = addToggle(view, "mnuViewSignal", QStringLiteral("Сигнал"), &MainWindow::onViewSignal);
   signal->setIcon(MakeToolIcon(ToolIcon::Signal));
-  addToggle(view, "mnuViewSpectr", QStringLiteral("Спектр"), &MainWindow::mnuViewSpectr)->setIcon(MakeToolIcon(ToolIcon::Spectr));
-  addToggle(view, "mnuViewSpectrum", QStringLiteral("Каскад спектров"), &MainWindow::mnuViewSpectrum)
+  addToggle(view, "mnuViewSpectr", QStringLiteral("Спектр"), &MainWindow::onViewSpectr)->setIcon(MakeToolIcon(ToolIcon::Spectr));
+  addToggle(view, "mnuViewSpectrum", QStringLiteral("Каскад спектров"), &MainWindow::onViewSpectrum)
       ->setIcon(MakeToolIcon(ToolIcon::Spectrum));
   shaftViews_->addViewCommands(view);
-  QAction* parameters = addToggle(view, "mnuViewParameters", QStringLiteral("Параметры"), &MainWindow::mnuViewParameters);
+  QAction* parameters = addToggle(view, "mnuViewParameters", QStringLiteral("Параметры"), &MainWindow::onViewParameters);
   parameters->setIcon(MakeToolIcon(ToolIcon::Parameters));
   view->addSeparator();
   QMenu* channels = view->addMenu(QStringLiteral("&Каналы"));
@@ -162,9 +162,9 @@ void MainWindow::buildViewMenu() {
   for (const BlockEntry& b : blockCommands) {
     QAction* a = addCommand(blocks, b.name, QString::fromUtf8(b.caption), nullptr, false);
     const SolidBlockCommand command = b.command;
-    connect(a, &QAction::triggered, this, [this, command] { mnuViewBlock(command); });
+    connect(a, &QAction::triggered, this, [this, command] { onViewBlock(command); });
   }
-  addToggle(view, "mnuViewImposition", QStringLiteral("Наложение сигналов"), &MainWindow::mnuViewImposition)
+  addToggle(view, "mnuViewImposition", QStringLiteral("Наложение сигналов"), &MainWindow::onViewImposition)
       ->setIcon(MakeToolIcon(ToolIcon::Imposition));
   edits_->addCommand(view, "mnuViewMarker", QStringLiteral("Маркеры"));
   measure_->addCommand(view, "mnuViewStatusFile", QStringLiteral("Информация файла данных"));
@@ -174,7 +174,7 @@ void MainWindow::buildViewMenu() {
   auto* styleGroup = new QActionGroup(this);
   for (int k = 0; k < kViewStyleCount; ++k) {
     addCheck(styles, QStringLiteral("mnuViewStyle%1").arg(k), ViewStyleDefinition(k).caption,
-             [this, k] { mnuViewStyle(k); }, styleGroup);
+             [this, k] { onViewStyle(k); }, styleGroup);
   }
   QMenu* colors = view->addMenu(QStringLiteral("&Фон окон"));
   colors->setObjectName(QStringLiteral("mnuViewColorsBack"));
@@ -202,9 +202,9 @@ void MainWindow::buildOtherMenus() {
       {"mnuSetupChannels", "Настройка каналов", nullptr},
       {"mnuSetupObject", "Описание режима", nullptr},
       {"mnuSetupRecord", "Установка записи", nullptr},
-      {"mnuSetupCheckF", "Проверочные частоты", &MainWindow::mnuSetupCheckF},
-      {"mnuSetupFiltr", "Фильтр", &MainWindow::mnuSetupFiltr},
-      {"mnuSetupSpectrumAnalyser", "Спектральный анализ", &MainWindow::mnuSetupSpectrumAnalyser},
+      {"mnuSetupCheckF", "Проверочные частоты", &MainWindow::onSetupCheckF},
+      {"mnuSetupFiltr", "Фильтр", &MainWindow::onSetupFiltr},
+      {"mnuSetupSpectrumAnalyser", "Спектральный анализ", &MainWindow::onSetupSpectrumAnalyser},
       {"mnuSetupOtmetchick", "Отметчик", nullptr},
       {"mnuSetupReAccount", "Вырезка эффективного сигнала", nullptr},
       {"mnuSetupConfigs", "Конфигурации", nullptr},
@@ -223,21 +223,21 @@ void MainWindow::buildOtherMenus() {
   QMenu* service = menuBar()->addMenu(QStringLiteral("С&ервис"));
   service->setObjectName(QStringLiteral("mnuService"));
   measure_->addCommand(service, "mnuServiceLineka", QStringLiteral("Линейка"));
-  addCommand(service, "mnuServiceEvaluation", QStringLiteral("Оценка"), &MainWindow::mnuServiceEvaluation);
+  addCommand(service, "mnuServiceEvaluation", QStringLiteral("Оценка"), &MainWindow::onServiceEvaluation);
   measure_->addCommand(service, "mnuServiceDetectSensor", QStringLiteral("Тарировка датчиков биения"));
   measure_->addCommand(service, "mnuServiceOtm", QStringLiteral("Искуственный отметчик"));
-  addCommand(service, "mnuHelpADC", QStringLiteral("Информация АЦП"), &MainWindow::mnuHelpADC)->setCheckable(true);
-  addCommand(service, "mnuServiceDigitalLines", QStringLiteral("Цифровые линии"), &MainWindow::mnuServiceDigitalLines);
+  addCommand(service, "mnuHelpADC", QStringLiteral("Информация АЦП"), &MainWindow::onHelpADC)->setCheckable(true);
+  addCommand(service, "mnuServiceDigitalLines", QStringLiteral("Цифровые линии"), &MainWindow::onServiceDigitalLines);
   edits_->addCommand(service, "mnuServicePlayerSound", QStringLiteral("Проигрыватель"));
   actions_.value(QStringLiteral("mnuHelpADC"))->setIcon(MakeToolIcon(ToolIcon::ADC));
 
   QMenu* window = menuBar()->addMenu(QStringLiteral("О&кно"));
   window->setObjectName(QStringLiteral("mnuWindow"));
-  addCommand(window, "mnuWindowArrange0", QStringLiteral("Каскад"), &MainWindow::mnuWindowCascade);
-  addCommand(window, "mnuWindowArrange1", QStringLiteral("Мозаика (горизонталь)"), &MainWindow::mnuWindowTileAcross);
-  addCommand(window, "mnuWindowArrange2", QStringLiteral("Мозаика (вертикаль)"), &MainWindow::mnuWindowTileSideBySide);
+  addCommand(window, "mnuWindowArrange0", QStringLiteral("Каскад"), &MainWindow::onWindowCascade);
+  addCommand(window, "mnuWindowArrange1", QStringLiteral("Мозаика (горизонталь)"), &MainWindow::onWindowTileAcross);
+  addCommand(window, "mnuWindowArrange2", QStringLiteral("Мозаика (вертикаль)"), &MainWindow::onWindowTileSideBySide);
   window->addSeparator();
-  addCommand(window, "mnuWindowClose", QStringLiteral("Закрыть все окна"), &MainWindow::mnuWindowClose);
+  addCommand(window, "mnuWindowClose", QStringLiteral("Закрыть все окна"), &MainWindow::onWindowClose);
 
   QMenu* help = menuBar()->addMenu(QStringLiteral("&Справка"));
   help->setObjectName(QStringLiteral("mnuHelp"));
@@ -247,42 +247,42 @@ void MainWindow::buildOtherMenus() {
   help->addSeparator();
   supportWindows_->addCommand(help, "mnuHelpAdvice", QStringLiteral("Совет дня"));
   help->addSeparator();
-  addCommand(help, "mnuHelpAbout", QStringLiteral("О программе"), &MainWindow::mnuHelpAbout);
+  addCommand(help, "mnuHelpAbout", QStringLiteral("О программе"), &MainWindow::onHelpAbout);
 }
 
 void MainWindow::buildSignalMenu() {
   // The popup of the signal view; it never stands in the menu bar.
-  mnuSignal_ = new QMenu(QStringLiteral("Сигнал"), this);
-  mnuSignal_->setObjectName(QStringLiteral("mnuSignal"));
+  signalMenu_ = new QMenu(QStringLiteral("Сигнал"), this);
+  signalMenu_->setObjectName(QStringLiteral("mnuSignal"));
   const auto optionsChanged = [this] {
     refreshSignalMenuChecks();
     if (SignalWindow* w = signalWindow()) w->optionsChanged();
   };
-  AddOptionToggles(mnuSignal_, kSectionSignal, 0, s_, store_, actions_, optionsChanged);
-  QMenu* cursor = mnuSignal_->addMenu(QStringLiteral("&Курсор"));
+  AddOptionToggles(signalMenu_, kSectionSignal, 0, s_, store_, actions_, optionsChanged);
+  QMenu* cursor = signalMenu_->addMenu(QStringLiteral("&Курсор"));
   cursor->setObjectName(QStringLiteral("mnuSignalCursor"));
   const char* const cursorCaptions[] = {"Свободный", "Привязанный"};
   for (int entry = 0; entry < 2; ++entry) {
     addCheck(cursor, QStringLiteral("mnuSignalCursor%1").arg(entry), QString::fromUtf8(cursorCaptions[entry]),
-             [this, entry] { mnuSignalCursor(entry); });
+             [this, entry] { onSignalCursor(entry); });
   }
-  mnuSignal_->addSeparator();
-  AddOptionToggles(mnuSignal_, kSectionSignal, 1, s_, store_, actions_, optionsChanged);
-  mnuSignal_->addSeparator();
+  signalMenu_->addSeparator();
+  AddOptionToggles(signalMenu_, kSectionSignal, 1, s_, store_, actions_, optionsChanged);
+  signalMenu_->addSeparator();
   // Zoom history and the whole record; the keys work wherever the frame has
   // the focus.
-  QAction* back = addCommand(mnuSignal_, "mnuSignalZoomBack", QStringLiteral("Предыдущий масштаб"),
-                             &MainWindow::mnuSignalZoomBack);
+  QAction* back = addCommand(signalMenu_, "mnuSignalZoomBack", QStringLiteral("Предыдущий масштаб"),
+                             &MainWindow::onSignalZoomBack);
   back->setShortcuts({QKeySequence(Qt::Key_Backspace), QKeySequence(Qt::ALT | Qt::Key_Left)});
-  QAction* all = addCommand(mnuSignal_, "mnuSignalShowAll", QStringLiteral("Вся запись"), &MainWindow::mnuSignalShowAll);
+  QAction* all = addCommand(signalMenu_, "mnuSignalShowAll", QStringLiteral("Вся запись"), &MainWindow::onSignalShowAll);
   all->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_0));
   addAction(back);
   addAction(all);
-  mnuSignal_->addSeparator();
-  addCommand(mnuSignal_, "mnuSignalCopyPicture", QStringLiteral("Копировать рисунок"), &MainWindow::mnuSignalCopy)
+  signalMenu_->addSeparator();
+  addCommand(signalMenu_, "mnuSignalCopyPicture", QStringLiteral("Копировать рисунок"), &MainWindow::onSignalCopy)
       ->setIcon(MakeToolIcon(ToolIcon::Copy));
-  mnuSignal_->addSeparator();
-  edits_->addSignalCommands(mnuSignal_);
+  signalMenu_->addSeparator();
+  edits_->addSignalCommands(signalMenu_);
 }
 
 void MainWindow::buildToolbars() {

@@ -25,10 +25,10 @@ FrequencyTableDialog* MainWindow::setupFilter() const { return setupFilter_; }
 
 QWidget* MainWindow::makeSpectrumView(int window) {
   if (window == frmViewSpectrum) return new CascadeWindow(*this);
-  return new SpectrWindow(*this, prompts_, [this] { mnuSetupSpectrumAnalyser(); });
+  return new SpectrWindow(*this, prompts_, [this] { onSetupSpectrumAnalyser(); });
 }
 
-void MainWindow::mnuViewSpectr() {
+void MainWindow::onViewSpectr() {
   if (spectrWindow()) {
     closeView(frmViewSpectr);
   } else if (hasData()) {
@@ -38,7 +38,7 @@ void MainWindow::mnuViewSpectr() {
   RefreshToolbarMainMenu();
 }
 
-void MainWindow::mnuViewSpectrum() {
+void MainWindow::onViewSpectrum() {
   if (cascadeWindow()) {
     closeView(frmViewSpectrum);
   } else if (hasData()) {
@@ -80,20 +80,20 @@ void ShowOne(QPointer<Dialog>& slot, Make make) {
 
 }  // namespace
 
-void MainWindow::mnuSetupCheckF() {
+void MainWindow::onSetupCheckF() {
   ShowOne(setupProbe_, [this] {
     return new FrequencyTableDialog(FrequencyTable::Probe, MakeContext(s_, store_, prompts_, *this), this);
   });
 }
 
-void MainWindow::mnuSetupFiltr() {
+void MainWindow::onSetupFiltr() {
   if (measuring_) return;
   ShowOne(setupFilter_, [this] {
     return new FrequencyTableDialog(FrequencyTable::Filter, MakeContext(s_, store_, prompts_, *this), this);
   });
 }
 
-void MainWindow::mnuSetupSpectrumAnalyser() {
+void MainWindow::onSetupSpectrumAnalyser() {
   // Modal to the frame, but the command returns at once (the refresh runs
   // from the dialog's Apply).
   auto* dialog = new SpectrumAnalyserDialog(MakeContext(s_, store_, prompts_, *this), this);
@@ -102,7 +102,7 @@ void MainWindow::mnuSetupSpectrumAnalyser() {
   dialog->show();
 }
 
-void MainWindow::mnuServiceEvaluation() {
+void MainWindow::onServiceEvaluation() {
   auto* dialog = new EvaluationDialog(this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->show();

@@ -370,7 +370,7 @@ void MainWindow::showRotorSpeed(bool visible, const QString& text) {
 
 void MainWindow::showSignalPopup(const QPoint& globalPos) {
   refreshSignalMenuChecks();
-  mnuSignal_->popup(globalPos);
+  signalMenu_->popup(globalPos);
 }
 
 void MainWindow::signalStatusChanged(const views::SignalStatus& status) {

@@ -82,7 +82,7 @@ class MainWindow : public QMainWindow, public ViewHost {
   QToolBar* toolbarChannels() const { return toolbarChannels_; }
   QToolButton* channelButton(int channel) const;
   PanelBar* mainStatus() const { return status_; }
-  QMenu* signalMenu() const { return mnuSignal_; }
+  QMenu* signalMenu() const { return signalMenu_; }
   // Files dropped on the window (the drop handler's work, callable directly).
   bool dropFiles(const QStringList& paths);
   MeasurementRun* measurementRun() const { return run_; }
@@ -131,38 +131,38 @@ class MainWindow : public QMainWindow, public ViewHost {
                     QActionGroup* group = nullptr);
 
   // Commands (MainCommands.cpp).
-  void mnuFileRecord();
-  void mnuFileOpen();
-  void mnuFileSave();
-  void mnuFileCopy();
-  void mnuFileRecentFile(int k);
-  void mnuFileExit();
+  void onFileRecord();
+  void onFileOpen();
+  void onFileSave();
+  void onFileCopy();
+  void onFileRecentFile(int k);
+  void onFileExit();
   void applyBars();
   // Bars, menus, background and status bar as the settings now stand.
   void applySettings();
-  void mnuViewSignal();
-  void mnuViewParameters();
-  void mnuViewImposition();
-  void mnuViewBlock(SolidBlockCommand command);
-  void mnuViewStyle(int style);
-  void mnuWindowCascade();
-  void mnuWindowTileAcross();
-  void mnuWindowTileSideBySide();
-  void mnuWindowClose();
-  void mnuHelpAbout();
-  void mnuHelpADC();
-  void mnuServiceDigitalLines();
-  void mnuSignalCursor(int entry);
-  void mnuSignalCopy();
-  void mnuSignalZoomBack();
-  void mnuSignalShowAll();
+  void onViewSignal();
+  void onViewParameters();
+  void onViewImposition();
+  void onViewBlock(SolidBlockCommand command);
+  void onViewStyle(int style);
+  void onWindowCascade();
+  void onWindowTileAcross();
+  void onWindowTileSideBySide();
+  void onWindowClose();
+  void onHelpAbout();
+  void onHelpADC();
+  void onServiceDigitalLines();
+  void onSignalCursor(int entry);
+  void onSignalCopy();
+  void onSignalZoomBack();
+  void onSignalShowAll();
   // The spectrum family (MainSpectrum.cpp).
-  void mnuViewSpectr();
-  void mnuViewSpectrum();
-  void mnuSetupCheckF();
-  void mnuSetupFiltr();
-  void mnuSetupSpectrumAnalyser();
-  void mnuServiceEvaluation();
+  void onViewSpectr();
+  void onViewSpectrum();
+  void onSetupCheckF();
+  void onSetupFiltr();
+  void onSetupSpectrumAnalyser();
+  void onServiceEvaluation();
   void installSpectrumRefresh(views::ViewRegistry& registry);
   QWidget* makeSpectrumView(int window);
 
@@ -206,8 +206,8 @@ class MainWindow : public QMainWindow, public ViewHost {
   PanelBar* status_ = nullptr;
   QLineEdit* txtBlock_ = nullptr;
   QLineEdit* txtSolidBlockM_ = nullptr;
-  QMenu* mnuFile_ = nullptr;
-  QMenu* mnuSignal_ = nullptr;
+  QMenu* fileMenu_ = nullptr;
+  QMenu* signalMenu_ = nullptr;
   QHash<QString, QAction*> actions_;
   std::vector<QAction*> recentActions_;
   QAction* recentLine_ = nullptr;

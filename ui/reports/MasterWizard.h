@@ -6,7 +6,7 @@
 // the channels found in the files and the parameters, frmReport05OK sums
 // up. On finish the dialog is accepted and choice() holds the lists.
 
-#include "core/FileReaders.h"
+#include "core/ReaderTable.h"
 #include "core/Prompts.h"
 #include "reports/ProtocolTable.h"
 

@@ -71,9 +71,9 @@ QAction* ReportWindows::command(QMenu* menu, const char* name, const QString& ca
 }
 
 void ReportWindows::addCommands(QMenu* report) {
-  command(report, kCommandNames[0], QStringLiteral("Мастер протокола"), &ReportWindows::mnuReportMaster);
-  command(report, kCommandNames[1], QStringLiteral("Протокол"), &ReportWindows::mnuReportProtokol);
-  command(report, kCommandNames[2], QStringLiteral("По шаблону"), &ReportWindows::mnuReportPattern);
+  command(report, kCommandNames[0], QStringLiteral("Мастер протокола"), &ReportWindows::onReportMaster);
+  command(report, kCommandNames[1], QStringLiteral("Протокол"), &ReportWindows::onReportProtokol);
+  command(report, kCommandNames[2], QStringLiteral("По шаблону"), &ReportWindows::onReportPattern);
 }
 
 void ReportWindows::refreshCommands(bool idle) {
@@ -85,15 +85,15 @@ void ReportWindows::setWorkbookOpener(std::function<bool(const QString& path)> o
   hooks_.openWorkbook = open ? std::move(open) : OpenInDesktop;
 }
 
-void ReportWindows::mnuReportProtokol() {
+void ReportWindows::onReportProtokol() {
   run([](reports::ReportContext& ctx) { return reports::ReportProtokolCommand(ctx); }, reports::kProtocolTitle);
 }
 
-void ReportWindows::mnuReportPattern() {
+void ReportWindows::onReportPattern() {
   run([](reports::ReportContext& ctx) { return reports::ReportPatternCommand(ctx); }, reports::kProtocolTitle);
 }
 
-void ReportWindows::mnuReportMaster() {
+void ReportWindows::onReportMaster() {
   if (wizard_) {
     wizard_->raise();
     return;

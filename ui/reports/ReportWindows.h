@@ -5,7 +5,7 @@
 // to the desktop's spreadsheet program. The main window owns one.
 
 #include "core/AppState.h"
-#include "core/FileReaders.h"
+#include "core/ReaderTable.h"
 #include "core/Prompts.h"
 #include "reports/ReportCommands.h"
 
@@ -50,9 +50,9 @@ class ReportWindows : public QObject {
   // starts a spreadsheet program).
   void setWorkbookOpener(std::function<bool(const QString& path)> open);
 
-  void mnuReportProtokol();
-  void mnuReportMaster();
-  void mnuReportPattern();
+  void onReportProtokol();
+  void onReportMaster();
+  void onReportPattern();
 
   // For tests: the master while it stands, the wait window, the last outcome.
   MasterWizard* wizard() const;

@@ -91,16 +91,16 @@ void ShaftViews::addViewCommands(QMenu* view) {
 
 void ShaftViews::buildPopupMenus() {
   SettingsStore& store = host_.settings();
-  mnuTraectoria_ = new QMenu(QStringLiteral("Траектория"), frame_);
-  mnuTraectoria_->setObjectName(QStringLiteral("mnuTraectoria"));
+  traectoriaMenu_ = new QMenu(QStringLiteral("Траектория"), frame_);
+  traectoriaMenu_->setObjectName(QStringLiteral("mnuTraectoria"));
   const auto traectoriaChanged = [this] {
     if (TraectoriaWindow* w = traectoriaWindow()) w->optionsChanged();
   };
   for (int group = 0; group <= 2; ++group) {
-    AddOptionToggles(mnuTraectoria_, kSectionTraectoria, group, s_, store, actions_, traectoriaChanged);
-    mnuTraectoria_->addSeparator();
+    AddOptionToggles(traectoriaMenu_, kSectionTraectoria, group, s_, store, actions_, traectoriaChanged);
+    traectoriaMenu_->addSeparator();
   }
-  command(mnuTraectoria_, "mnuTraectoriaCopy", QStringLiteral("Копировать рисунок"), [this] {
+  command(traectoriaMenu_, "mnuTraectoriaCopy", QStringLiteral("Копировать рисунок"), [this] {
     if (TraectoriaWindow* w = traectoriaWindow()) w->CopyPicture();
   })->setIcon(MakeToolIcon(ToolIcon::Copy));
 
@@ -110,41 +110,41 @@ void ShaftViews::buildPopupMenus() {
     };
   };
   const auto changed = [this] { formaOptionsChanged(); };
-  mnuFormaRotorS_ = new QMenu(QStringLiteral("Форма ротора"), frame_);
-  mnuFormaRotorS_->setObjectName(QStringLiteral("mnuFormaRotorS"));
+  formaRotorMenu_ = new QMenu(QStringLiteral("Форма ротора"), frame_);
+  formaRotorMenu_->setObjectName(QStringLiteral("mnuFormaRotorS"));
   auto* view = new QActionGroup(this);
-  choice(mnuFormaRotorS_, view, "FormaView", 0, QStringLiteral("Прямоугольная"));
-  choice(mnuFormaRotorS_, view, "FormaView", 1, QStringLiteral("Линейная"));
-  mnuFormaRotorS_->addSeparator();
-  AddOptionToggles(mnuFormaRotorS_, kSectionFormaRotor, 0, s_, store, actions_, changed);
-  mnuFormaRotorS_->addSeparator();
-  command(mnuFormaRotorS_, "mnuFormRotorSpica", QStringLiteral("Спицы"), [this] { showSpicaSettings(); });
-  command(mnuFormaRotorS_, "mnuFormaConsole", QStringLiteral("Консоль"), [this] { showConsole(); });
-  command(mnuFormaRotorS_, "mnuFormaCopy", QStringLiteral("Копировать"), copyOf(FormaKind::Rotor))
+  choice(formaRotorMenu_, view, "FormaView", 0, QStringLiteral("Прямоугольная"));
+  choice(formaRotorMenu_, view, "FormaView", 1, QStringLiteral("Линейная"));
+  formaRotorMenu_->addSeparator();
+  AddOptionToggles(formaRotorMenu_, kSectionFormaRotor, 0, s_, store, actions_, changed);
+  formaRotorMenu_->addSeparator();
+  command(formaRotorMenu_, "mnuFormRotorSpica", QStringLiteral("Спицы"), [this] { showSpicaSettings(); });
+  command(formaRotorMenu_, "mnuFormaConsole", QStringLiteral("Консоль"), [this] { showConsole(); });
+  command(formaRotorMenu_, "mnuFormaCopy", QStringLiteral("Копировать"), copyOf(FormaKind::Rotor))
       ->setIcon(MakeToolIcon(ToolIcon::Copy));
 
-  mnuFormaRotorDiagrams_ = new QMenu(QStringLiteral("Диаграмма формы ротора"), frame_);
-  mnuFormaRotorDiagrams_->setObjectName(QStringLiteral("mnuFormaRotorDiagrams"));
+  formaDiagramMenu_ = new QMenu(QStringLiteral("Диаграмма формы ротора"), frame_);
+  formaDiagramMenu_->setObjectName(QStringLiteral("mnuFormaRotorDiagrams"));
   auto* type = new QActionGroup(this);
-  choice(mnuFormaRotorDiagrams_, type, "DiagramaViewType", 1, QStringLiteral("Гистограмма"));
-  choice(mnuFormaRotorDiagrams_, type, "DiagramaViewType", 2, QStringLiteral("Диаграмма"));
-  mnuFormaRotorDiagrams_->addSeparator();
+  choice(formaDiagramMenu_, type, "DiagramaViewType", 1, QStringLiteral("Гистограмма"));
+  choice(formaDiagramMenu_, type, "DiagramaViewType", 2, QStringLiteral("Диаграмма"));
+  formaDiagramMenu_->addSeparator();
   auto* extent = new QActionGroup(this);
-  choice(mnuFormaRotorDiagrams_, extent, "DiagramaView", 1, QStringLiteral("Стандартная"));
-  choice(mnuFormaRotorDiagrams_, extent, "DiagramaView", 2, QStringLiteral("Расширенная"));
-  mnuFormaRotorDiagrams_->addSeparator();
-  AddOptionToggles(mnuFormaRotorDiagrams_, kSectionFormaRotor, 1, s_, store, actions_, changed);
-  mnuFormaRotorDiagrams_->addSeparator();
-  command(mnuFormaRotorDiagrams_, "mnuFormaRotorDiagramConsole", QStringLiteral("Консоль"), [this] { showConsole(); });
-  command(mnuFormaRotorDiagrams_, "mnuDiagramaCopy", QStringLiteral("Копировать"), copyOf(FormaKind::Diagram))
+  choice(formaDiagramMenu_, extent, "DiagramaView", 1, QStringLiteral("Стандартная"));
+  choice(formaDiagramMenu_, extent, "DiagramaView", 2, QStringLiteral("Расширенная"));
+  formaDiagramMenu_->addSeparator();
+  AddOptionToggles(formaDiagramMenu_, kSectionFormaRotor, 1, s_, store, actions_, changed);
+  formaDiagramMenu_->addSeparator();
+  command(formaDiagramMenu_, "mnuFormaRotorDiagramConsole", QStringLiteral("Консоль"), [this] { showConsole(); });
+  command(formaDiagramMenu_, "mnuDiagramaCopy", QStringLiteral("Копировать"), copyOf(FormaKind::Diagram))
       ->setIcon(MakeToolIcon(ToolIcon::Copy));
 
-  mnuFormaRotorSpectrs_ = new QMenu(QStringLiteral("Спектр формы ротора"), frame_);
-  mnuFormaRotorSpectrs_->setObjectName(QStringLiteral("mnuFormaRotorSpectrs"));
-  AddOptionToggles(mnuFormaRotorSpectrs_, kSectionFormaRotor, 2, s_, store, actions_, changed);
-  mnuFormaRotorSpectrs_->addSeparator();
-  command(mnuFormaRotorSpectrs_, "mnuSpectrFormsConsole", QStringLiteral("Консоль"), [this] { showConsole(); });
-  command(mnuFormaRotorSpectrs_, "mnuSpectrFormsCopy", QStringLiteral("Копировать"), copyOf(FormaKind::Spectr))
+  formaSpectrMenu_ = new QMenu(QStringLiteral("Спектр формы ротора"), frame_);
+  formaSpectrMenu_->setObjectName(QStringLiteral("mnuFormaRotorSpectrs"));
+  AddOptionToggles(formaSpectrMenu_, kSectionFormaRotor, 2, s_, store, actions_, changed);
+  formaSpectrMenu_->addSeparator();
+  command(formaSpectrMenu_, "mnuSpectrFormsConsole", QStringLiteral("Консоль"), [this] { showConsole(); });
+  command(formaSpectrMenu_, "mnuSpectrFormsCopy", QStringLiteral("Копировать"), copyOf(FormaKind::Spectr))
       ->setIcon(MakeToolIcon(ToolIcon::Copy));
   refreshPopupChecks();
 }
@@ -188,10 +188,10 @@ SpicaWindow* ShaftViews::spicaWindow() const { return spica_; }
 
 QMenu* ShaftViews::popupMenu(int window) const {
   switch (window) {
-    case frmViewTraectoria: return mnuTraectoria_;
-    case frmViewFormaRotor: return mnuFormaRotorS_;
-    case frmViewFormaRotorDiagram: return mnuFormaRotorDiagrams_;
-    case frmViewFormaRotorSpectr: return mnuFormaRotorSpectrs_;
+    case frmViewTraectoria: return traectoriaMenu_;
+    case frmViewFormaRotor: return formaRotorMenu_;
+    case frmViewFormaRotorDiagram: return formaDiagramMenu_;
+    case frmViewFormaRotorSpectr: return formaSpectrMenu_;
     default: return nullptr;
   }
 }

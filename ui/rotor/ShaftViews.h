@@ -91,10 +91,10 @@ class ShaftViews : public QObject {
   std::array<QPointer<QMdiSubWindow>, 3> formaSubs_;
   QPointer<ConsoleWindow> console_;
   QPointer<SpicaWindow> spica_;
-  QMenu* mnuTraectoria_ = nullptr;
-  QMenu* mnuFormaRotorS_ = nullptr;
-  QMenu* mnuFormaRotorDiagrams_ = nullptr;
-  QMenu* mnuFormaRotorSpectrs_ = nullptr;
+  QMenu* traectoriaMenu_ = nullptr;
+  QMenu* formaRotorMenu_ = nullptr;
+  QMenu* formaDiagramMenu_ = nullptr;
+  QMenu* formaSpectrMenu_ = nullptr;
   // The one-of-a-set entries and the value each stands for.
   std::vector<std::pair<QAction*, int>> choices_;
 };
