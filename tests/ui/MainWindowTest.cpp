@@ -112,7 +112,7 @@ TEST(MainWindow, FrameHasCaptionMenusToolbarsAndPanels) {
   EXPECT_EQ(w.window->action(QStringLiteral("mnuViewChannel32"))->text(), QStringLiteral("Канал №32"));
   EXPECT_EQ(w.window->action(QStringLiteral("mnuViewStyle3"))->text(), QStringLiteral("Сигнал + Спектр + Траектория"));
   EXPECT_EQ(w.window->action(QStringLiteral("mnuViewColorBack2"))->text(), QStringLiteral("Лампа накаливания"));
-  // Windows of later versions stand in the menus, disabled.
+  // With no recording the spectrum has nothing to show.
   EXPECT_FALSE(w.window->action(QStringLiteral("mnuViewSpectr"))->isEnabled());
   EXPECT_EQ(w.window->toolbarMain()->objectName(), QStringLiteral("ToolbarMain"));
   EXPECT_EQ(w.window->channelButton(7)->objectName(), QStringLiteral("Ch7"));
