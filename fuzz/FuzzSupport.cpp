@@ -21,6 +21,12 @@ namespace {
 // memory, not by the multiplier's latency.
 class Hasher {
  public:
+  // Each value by its own type, whatever the mix of flags and numbers.
+  template <class... T>
+  void addEach(T... values) {
+    (add(values), ...);
+  }
+
   template <class T>
     requires std::is_arithmetic_v<T>
   void add(T v) {
@@ -128,48 +134,41 @@ void AddOptions(Hasher& h, const SettingsOptions& o) {
   h.add(c.FilterType);
 
   const SignalOptions& s = o.signal;
-  for (bool v : {s.StatusBarParameter, s.Control, s.StatusBar, s.ScaleX, s.ScaleY, s.Otmetchick,
-                 s.OtmetchickLine, s.SignalViewColorProperty, s.LineCenter, s.LineZero, s.BeginPoint})
-    h.add(v);
+  h.addEach(s.StatusBarParameter, s.Control, s.StatusBar, s.ScaleX, s.ScaleY, s.Otmetchick,
+            s.OtmetchickLine, s.SignalViewColorProperty, s.LineCenter, s.LineZero, s.BeginPoint);
   h.add(s.Cursor);
 
   const SpectrOptions& sp = o.spectr;
-  for (bool v : {sp.StatusBarParameter, sp.StatusBar, sp.ViewGarmonic, sp.ViewLinesProbeFreq, sp.Evaluation})
-    h.add(v);
+  h.addEach(sp.StatusBarParameter, sp.StatusBar, sp.ViewGarmonic, sp.ViewLinesProbeFreq, sp.Evaluation);
   h.add(sp.Cursor);
   h.add(sp.SpectrViewType);
   h.add(o.spectrum.StatusBar);
   h.add(o.spectrum.SpectrumViewType);
 
   const TraectoriaOptions& t = o.traectoria;
-  for (bool v : {t.StatusBar, t.CenterRotor, t.TraectoriaFirstGarmonic, t.TraectoriaOtmetchick, t.BeginPoint})
-    h.add(v);
+  h.addEach(t.StatusBar, t.CenterRotor, t.TraectoriaFirstGarmonic, t.TraectoriaOtmetchick, t.BeginPoint);
   h.add(t.Cursor);
 
   const ParameterOptions& p = o.parameters;
-  for (bool v : {p.VisibleChannels, p.ColorType, p.FileLastLoad, p.AutoY0, p.ViewRealTime,
-                 p.StatusFilterConst, p.StatusFilterBienie, p.SignalParameterMax, p.SolidClerData,
-                 p.ReminderOverload, p.ReminderClearenceMin, p.ReminderClearenceMax})
-    h.add(v);
+  h.addEach(p.VisibleChannels, p.ColorType, p.FileLastLoad, p.AutoY0, p.ViewRealTime,
+            p.StatusFilterConst, p.StatusFilterBienie, p.SignalParameterMax, p.SolidClerData,
+            p.ReminderOverload, p.ReminderClearenceMin, p.ReminderClearenceMax);
   h.add(p.ValueClearenceMin);
   h.add(p.ValueClearenceMax);
 
   const ColorOptions& k = o.color;
-  for (int32_t v : {k.ColorLineOtmetchick, k.ColorLinePorogOtmetchick, k.ColorLineCenterSignal,
-                    k.ColorBeginPoint, k.ColorLineY0Signal, k.ColorGrid, k.ColorLineSynchro,
-                    k.ColorCarsetSpectrum, k.ColorText, k.ColorLinesGarmonic, k.ColorLinesProbeFreq})
-    h.add(v);
+  h.addEach(k.ColorLineOtmetchick, k.ColorLinePorogOtmetchick, k.ColorLineCenterSignal,
+            k.ColorBeginPoint, k.ColorLineY0Signal, k.ColorGrid, k.ColorLineSynchro,
+            k.ColorCarsetSpectrum, k.ColorText, k.ColorLinesGarmonic, k.ColorLinesProbeFreq);
 
   const OtmetchickOptions& m = o.otmetchick;
-  for (int32_t v : {m.OtmetchickAuto, m.OtmetchickLevel, m.OtmetchickDirect, m.OtmetchickDrebezg,
-                    m.OtmetchickNoise})
-    h.add(v);
+  h.addEach(m.OtmetchickAuto, m.OtmetchickLevel, m.OtmetchickDirect, m.OtmetchickDrebezg,
+            m.OtmetchickNoise);
 
   const FormaRotorOptions& f = o.formaRotor;
-  for (int32_t v : {f.FormaView, f.FormaViewColor, f.FormaViewScale, f.FormaValue, f.SpicaN, f.SpicaP,
-                    f.SpicaD, f.SpicaV, f.DiagramaViewType, f.DiagramaView, f.DiagramaViewColor,
-                    f.DiagramaViewScale, f.DiagramaValue, f.SpectrFormsValue})
-    h.add(v);
+  h.addEach(f.FormaView, f.FormaViewColor, f.FormaViewScale, f.FormaValue, f.SpicaN, f.SpicaP,
+            f.SpicaD, f.SpicaV, f.DiagramaViewType, f.DiagramaView, f.DiagramaViewColor,
+            f.DiagramaViewScale, f.DiagramaValue, f.SpectrFormsValue);
 }
 
 void AddValues(Hasher& h, const StateValues& s) {
@@ -178,22 +177,19 @@ void AddValues(Hasher& h, const StateValues& s) {
   h.add(s.FileVersionRevision);
   AddChannels(h, s.channels);
   AddObjectAndMarkers(h, s.object, s.markers);
-  for (int32_t v : {s.Polus, s.FreqSety, s.NumberRotorRecord, s.FreqDesc, s.FreqDescR, s.FreqADC,
-                    s.BlockSizeFFT, s.BlockSizeFFTa, s.BlockSizeFFTr, s.SpectrLineCount, s.ViewStyle,
-                    s.ChannelDifferential, s.InputMode, s.SynchroAdType, s.SynchroAdMode,
-                    s.SynchroAdChannel, s.SynchroAdPorog})
-    h.add(v);
+  h.addEach(s.Polus, s.FreqSety, s.NumberRotorRecord, s.FreqDesc, s.FreqDescR, s.FreqADC,
+            s.BlockSizeFFT, s.BlockSizeFFTa, s.BlockSizeFFTr, s.SpectrLineCount, s.ViewStyle,
+            s.ChannelDifferential, s.InputMode, s.SynchroAdType, s.SynchroAdMode,
+            s.SynchroAdChannel, s.SynchroAdPorog);
   for (double v : {s.FreqRotorN, s.FreqOneGarmonic, s.FreqRotorReal, s.StepDesc}) h.add(v);
   h.add(s.ModuleTag);
   h.add(s.SolidMode);
   h.add(s.SolidFileName);
-  for (int32_t v : {s.SolidBlockCount, s.SolidBlockN, s.SolidBlockM, s.SolidDataStart, s.FirstChannelActive})
-    h.add(v);
+  h.addEach(s.SolidBlockCount, s.SolidBlockN, s.SolidBlockM, s.SolidDataStart, s.FirstChannelActive);
   h.add(s.Imposition);
   h.add(s.PathFileData);
   h.add(s.DataSaved);
-  for (int32_t v : {s.SignalDataN, s.ChannelUsedCount, s.ViewFirst, s.ViewLast, s.SelectFirst, s.SelectLast})
-    h.add(v);
+  h.addEach(s.SignalDataN, s.ChannelUsedCount, s.ViewFirst, s.ViewLast, s.SelectFirst, s.SelectLast);
   h.add(s.ViewOpenFlags);
   h.add(s.SignalOffset);
   h.add(s.SignalMaxValue);
@@ -201,9 +197,8 @@ void AddValues(Hasher& h, const StateValues& s) {
   h.add(s.SignalCurrentValue);
   h.add(s.ShaftMarkCount);
   h.add(s.ShaftMarks);
-  for (bool v : {s.SaveProbe, s.SaveFilter, s.ReminderConvertFile, s.ReminderFileSave, s.AccountOffset,
-                 s.BatchMode})
-    h.add(v);
+  h.addEach(s.SaveProbe, s.SaveFilter, s.ReminderConvertFile, s.ReminderFileSave, s.AccountOffset,
+            s.BatchMode);
   h.add(s.InitDirOpen);
   h.add(s.InitDirSave);
   h.add(s.Clearance);
