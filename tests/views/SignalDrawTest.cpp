@@ -175,7 +175,8 @@ TEST_F(DcRecording, UserMarkerExactlyAtEitherEdgeIsNotDrawn) {
   s->FreqDesc = 10;
   s->ViewFirst = 10;
   const double start = DateTimeToOle(QDateTime(QDate(2021, 3, 1), QTime(12, 0, 0)));
-  s->object.RecordDate = start;
+  // A cyclic record carries the moment its run stopped.
+  s->object.RecordDate = start + s->SignalDataN / 10.0 / 86400.0;
   s->markers.MarkerN = 3;
   const int seconds[] = {1, 2, 11};  // x = 0, 20, 200
   for (int i = 0; i < 3; ++i) {

@@ -76,7 +76,11 @@ void DrawTimeGrid(const AppState& s, const SignalViewState& v, const FontMetrics
 
 void DrawUserMarkers(const AppState& s, const SignalViewState& v, const FontMetrics& fm, DrawList& list) {
   const int count = std::clamp(s.markers.MarkerN, 0, kMaxMarkers);
-  const int start = SecondsOfDay(s.object.RecordDate);
+  // A cyclic record is dated when its run stopped, a continuous one when it
+  // started: marks stamped during the last cycle of a run must land on it.
+  const double rateHz = ChannelRateHz(s);
+  const double start = SecondsOfDay(s.object.RecordDate) -
+                       (s.SolidMode || !(rateHz > 0.0) ? 0.0 : s.SignalDataN / rateHz);
   for (int i = 0; i < count; ++i) {
     if (s.markers.MarkerOn[static_cast<size_t>(i)] == 0) continue;
     const double seconds = SecondsOfDay(s.markers.MarkerDate[static_cast<size_t>(i)]) - start;
