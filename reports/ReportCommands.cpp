@@ -133,7 +133,8 @@ ReportResult FillFolderTemplate(ReportContext& ctx, const QString& folder, const
   const ReportWalk walk = ReadReportFiles(ctx, FolderRecordings(folder));
   if (walk.cancelled) return Stopped(walk);
   int replaced = 0;
-  const std::optional<QByteArray> bytes = form->fill(BuildTemplateTags(walk.files), replaced, error);
+  QStringList unknown;
+  const std::optional<QByteArray> bytes = form->fill(BuildTemplateTags(walk.files), replaced, error, &unknown);
   if (!bytes)
     return Failed(ctx, walk,
                   QStringLiteral("Не удалось записать протокол в файл %1: %2.").arg(Native(*path), error),
@@ -144,6 +145,12 @@ ReportResult FillFolderTemplate(ReportContext& ctx, const QString& folder, const
                                     "папки %2; протокол записан без изменений.")
                          .arg(Native(templatePath), Native(folder)),
                      kProtocolTitle, PromptIcon::Information);
+  if (!unknown.isEmpty()) {
+    constexpr qsizetype kListedTags = 10;
+    ctx.prompts.tell(QStringLiteral("В шаблоне %1 есть метки с неизвестным параметром; они оставлены как есть:\n%2")
+                         .arg(Native(templatePath), unknown.mid(0, kListedTags).join(QLatin1Char('\n'))),
+                     kProtocolTitle, PromptIcon::Exclamation);
+  }
   return Written(walk, *path);
 }
 

@@ -2,6 +2,8 @@
 
 #include "core/ChannelPhysics.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 
 namespace aqx::reports {
@@ -53,6 +55,37 @@ int TemplateTags::replaceIn(QString& text) const {
   return replaced;
 }
 
+void TemplateTags::addChannel(const QString& prefix) {
+  if (!prefixes_.contains(prefix)) prefixes_.append(prefix);
+}
+
+namespace {
+
+// The parameter names of the tag grammar: levels, bands with their mean or
+// maximum, the harmonic and shift, and probes by their frequency.
+QRegularExpression ParameterNamePattern() {
+  return QRegularExpression(QStringLiteral("^(ОУ|А|Ф|См|(ОУ|1Гц|30Гц|200Гц)/[СМ]|[АФ]\\d+([.,]\\d+)?)$"));
+}
+
+}  // namespace
+
+QStringList TemplateTags::unknownIn(const QString& text) const {
+  QStringList unknown;
+  const QString root = QString::fromUtf16(kTagRoot);
+  const QRegularExpression parameterName = ParameterNamePattern();
+  for (qsizetype at = text.indexOf(root); at >= 0; at = text.indexOf(root, at + 1)) {
+    for (const QString& prefix : prefixes_) {
+      if (text.mid(at, prefix.size()) != prefix) continue;
+      qsizetype end = at + prefix.size();
+      while (end < text.size() && !text[end].isSpace()) ++end;
+      const QString name = text.mid(at + prefix.size(), end - at - prefix.size());
+      if (!parameterName.match(name).hasMatch()) unknown.append(text.mid(at, end - at));
+      break;
+    }
+  }
+  return unknown;
+}
+
 namespace {
 
 QString Number(int32_t v) { return QString::number(v); }
@@ -88,8 +121,11 @@ void AddChannelTags(const QString& prefix, const ChannelReadings& r, TemplateTag
 TemplateTags BuildTemplateTags(const std::vector<FileReadings>& files) {
   TemplateTags tags;
   for (const FileReadings& f : files)
-    for (const ChannelReadings& r : f.channels)
-      AddChannelTags(TagPrefix(f.mode, r.type, r.place, r.direct), r, tags);
+    for (const ChannelReadings& r : f.channels) {
+      const QString prefix = TagPrefix(f.mode, r.type, r.place, r.direct);
+      tags.addChannel(prefix);
+      AddChannelTags(prefix, r, tags);
+    }
   return tags;
 }
 

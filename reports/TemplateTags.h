@@ -7,6 +7,7 @@
 
 #include <QHash>
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
@@ -33,10 +34,16 @@ class TemplateTags {
   // ".../А" is not found inside ".../А12,50"; of two tags starting at the
   // same place the longer wins. Unknown tags are left as written.
   int replaceIn(QString& text) const;
+  // A channel read from the files; its tags may be in the form.
+  void addChannel(const QString& prefix);
+  // The tags in a (filled) text that belong to a channel read but name no
+  // parameter of the tag grammar: a station's typing error, told to the user.
+  QStringList unknownIn(const QString& text) const;
 
  private:
   QHash<QString, QString> values_;
   std::vector<qsizetype> lengths_;  // of the tags known, longest first
+  QStringList prefixes_;            // of the channels read
 };
 
 // The tags of every channel of the files read, in file order.

@@ -125,7 +125,7 @@ class Package {
 
 // Rewrites the strings of one part that hold tags; the number replaced.
 int FillPart(Package& package, const std::string& name, std::string_view element, const TemplateTags& tags,
-             bool& failed) {
+             QStringList& unknown, bool& failed) {
   const std::optional<zip_uint64_t> index = package.locate(name);
   if (!index) return 0;
   const std::optional<std::string> xml = package.read(*index);
@@ -141,6 +141,7 @@ int FillPart(Package& package, const std::string& name, std::string_view element
     if (!old) continue;
     QString text = old->text;
     const int here = tags.replaceIn(text);
+    unknown += tags.unknownIn(text);
     if (here == 0) continue;
     out.append(*xml, copied, found.begin - copied);
     out += CellStringElement(*xml, found, *old, text);
@@ -219,8 +220,10 @@ std::optional<TemplateWorkbook> TemplateWorkbook::open(const QString& path, QStr
   return t;
 }
 
-std::optional<QByteArray> TemplateWorkbook::fill(const TemplateTags& tags, int& replaced, QString& error) const {
+std::optional<QByteArray> TemplateWorkbook::fill(const TemplateTags& tags, int& replaced, QString& error,
+                                                 QStringList* unknownTags) const {
   replaced = 0;
+  QStringList unknown;
   const QString damaged = QStringLiteral("шаблон повреждён");
   const std::unique_ptr<Package> package = Package::open(bytes_, true);
   if (!package) {
@@ -228,8 +231,10 @@ std::optional<QByteArray> TemplateWorkbook::fill(const TemplateTags& tags, int& 
     return std::nullopt;
   }
   bool failed = false;
-  for (const std::string& part : stringParts_) replaced += FillPart(*package, part, "si", tags, failed);
-  for (const std::string& part : sheetParts_) replaced += FillPart(*package, part, "is", tags, failed);
+  for (const std::string& part : stringParts_) replaced += FillPart(*package, part, "si", tags, unknown, failed);
+  for (const std::string& part : sheetParts_) replaced += FillPart(*package, part, "is", tags, unknown, failed);
+  unknown.removeDuplicates();
+  if (unknownTags) *unknownTags = unknown;
   if (replaced > 0)
     failed |= !ReplaceEntry(*package, workbookPart_, [](const std::string& xml) { return WithFullCalcOnLoad(xml); });
   // Saved under a workbook's name, a template must say it is a workbook.

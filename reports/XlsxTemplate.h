@@ -32,7 +32,10 @@ class TemplateWorkbook {
 
   // The filled workbook's bytes; `replaced` counts the tags replaced. nullopt
   // with the reason (a phrase to follow a colon) in `error`.
-  std::optional<QByteArray> fill(const TemplateTags& tags, int& replaced, QString& error) const;
+  // `unknownTags` gets the tags of channels read whose parameter the tag
+  // grammar does not know; they stay as written.
+  std::optional<QByteArray> fill(const TemplateTags& tags, int& replaced, QString& error,
+                                 QStringList* unknownTags = nullptr) const;
 
   const QString& path() const { return path_; }
 

@@ -133,6 +133,19 @@ TEST(TemplateTagText, TagsAreWholeNamesInsideAnyText) {
   EXPECT_EQ(TagPrefix(QStringLiteral("Пуск"), 0, QString(), QStringLiteral("X")), QStringLiteral("Aquilonix/Пуск/0//X/"));
 }
 
+TEST(TemplateTagText, ATypingErrorInTheParameterOfAChannelReadIsNamed) {
+  TemplateTags tags;
+  const QString prefix = TagPrefix(QStringLiteral("Номинал"), 1, QStringLiteral("ВГП"), QStringLiteral("X"));
+  tags.addChannel(prefix);
+  // Known names (a probe not in use included) pass; a channel that was not
+  // read is no typing error; a name the grammar lacks is told.
+  const QString text = prefix + QStringLiteral("ОУ/М ") + prefix + QStringLiteral("Ф12,50 ") + prefix +
+                       QStringLiteral("ОУ/Х; ") + TagPrefix(QStringLiteral("Пуск"), 1, QStringLiteral("ВГП"),
+                                                           QStringLiteral("X")) + QStringLiteral("XYZ ") +
+                       prefix + QStringLiteral("Амплитуда");
+  EXPECT_EQ(tags.unknownIn(text), (QStringList{prefix + QStringLiteral("ОУ/Х;"), prefix + QStringLiteral("Амплитуда")}));
+}
+
 TEST(TemplateXml, StringsAreFoundByNameOnlyInMarkup) {
   const std::string xml =
       "<x:sst xmlns:x=\"m\"><!-- <x:si>no</x:si> --><x:si><x:t><![CDATA[<x:si>]]>a&amp;b_x000D_</x:t></x:si>"
