@@ -11,7 +11,6 @@
 #include "views/rotor/RotorForm.h"
 #include "views/trajectory/TraectoriaRefresh.h"
 
-#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 
@@ -169,13 +168,3 @@ BENCHMARK(BM_BuildTraectoria)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_ViewRefreshTraectoria)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication app(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}

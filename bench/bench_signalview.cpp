@@ -10,7 +10,6 @@
 #include "views/ViewRefresh.h"
 #include "views/signal/SignalRefresh.h"
 
-#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 
@@ -135,13 +134,3 @@ BENCHMARK(BM_ViewRefreshSignal)->Arg(32768)->Arg(1048576)->Unit(benchmark::kMill
 BENCHMARK(BM_ViewRefreshSignalEightOverlaid)->Arg(1048576)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication app(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}

@@ -11,7 +11,6 @@
 #include "views/ViewRefresh.h"
 #include "views/spectrum/SpectrumRefresh.h"
 
-#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 
@@ -152,13 +151,3 @@ BENCHMARK(BM_CascadeBareSpectra)->Unit(benchmark::kMillisecond)->UseRealTime()->
 BENCHMARK(BM_ViewRefreshCascade)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(3.0);
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication app(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}

@@ -19,6 +19,19 @@ PanelBar::PanelBar(QWidget* parent) : QWidget(parent) {
   setMouseTracking(true);
 }
 
+void PanelBar::setPanelKeys(std::span<const char* const> keys) {
+  std::vector<Panel> panels;
+  for (const char* key : keys) panels.push_back({QString::fromLatin1(key), {}, {}});
+  if (!panels.empty()) panels.back().stretch = true;
+  setPanels(std::move(panels));
+}
+
+void PanelBar::showParameters(const views::ParameterBar& bar) {
+  std::vector<Panel> panels;
+  for (const views::ParameterPanel& p : bar.panels) panels.push_back({QString::number(panels.size()), p.text, p.toolTip});
+  setPanels(std::move(panels));
+}
+
 void PanelBar::setPanels(std::vector<Panel> panels) {
   panels_ = std::move(panels);
   updateGeometry();

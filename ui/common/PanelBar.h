@@ -3,8 +3,11 @@
 // text in a sunken frame, has its own tooltip and reports clicks with the
 // mouse button. Used by the main window and the view windows.
 
+#include "views/parameters/SignalParameters.h"
+
 #include <QWidget>
 
+#include <span>
 #include <vector>
 
 namespace aqx::ui {
@@ -26,6 +29,11 @@ class PanelBar : public QWidget {
   explicit PanelBar(QWidget* parent = nullptr);
 
   void setPanels(std::vector<Panel> panels);
+  // Empty panels under these keys, the last one taking the spare width: the
+  // status bar of a view window before its first texts.
+  void setPanelKeys(std::span<const char* const> keys);
+  // The parameter bar of a view, a panel per reading.
+  void showParameters(const views::ParameterBar& bar);
   const std::vector<Panel>& panels() const { return panels_; }
   // Panels equally wide (the parameter bar), instead of fitting their texts.
   void setEqualWidths(bool equal);

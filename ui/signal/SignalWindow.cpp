@@ -116,10 +116,7 @@ SignalWindow::SignalWindow(ViewHost& host, QWidget* parent)
   vScroll_->setObjectName(QStringLiteral("VScroll1"));
   statusBar_ = new PanelBar(this);
   statusBar_->setObjectName(QStringLiteral("StatusBar1"));
-  std::vector<PanelBar::Panel> panels;
-  for (const char* key : kPanelKeys) panels.push_back({QString::fromLatin1(key), {}, {}});
-  panels.back().stretch = true;
-  statusBar_->setPanels(std::move(panels));
+  statusBar_->setPanelKeys(kPanelKeys);
   statusBar_->setToolTipOf(QStringLiteral("Dimension"), QStringLiteral("Масштаб по уровню: левая кнопка - крупнее, правая - мельче"));
   statusBar_->setToolTipOf(QStringLiteral("Scale"), QStringLiteral("Масштаб по времени: левая кнопка - крупнее, правая - мельче"));
   statusBar_->setToolTipOf(QStringLiteral("Center"), QStringLiteral("Линия центра"));
@@ -247,11 +244,7 @@ void SignalWindow::showStatus(const views::SignalStatus& st) {
   host_.signalStatusChanged(st);
 }
 
-void SignalWindow::showParameterBar(const views::ParameterBar& bar) {
-  std::vector<PanelBar::Panel> panels;
-  for (const views::ParameterPanel& p : bar.panels) panels.push_back({QString::number(panels.size()), p.text, p.toolTip});
-  parameterBar_->setPanels(std::move(panels));
-}
+void SignalWindow::showParameterBar(const views::ParameterBar& bar) { parameterBar_->showParameters(bar); }
 
 void SignalWindow::BuildSignal() {
   refreshOptions();

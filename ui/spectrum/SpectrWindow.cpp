@@ -51,10 +51,7 @@ SpectrWindow::SpectrWindow(ViewHost& host, Prompts& prompts, std::function<void(
   picture_->left = [this] { pictureLeave(); };
   statusBar_ = new PanelBar(this);
   statusBar_->setObjectName(QStringLiteral("StatusBar1"));
-  std::vector<PanelBar::Panel> panels;
-  for (const char* key : kPanelKeys) panels.push_back({QString::fromLatin1(key), {}, {}});
-  panels.back().stretch = true;
-  statusBar_->setPanels(std::move(panels));
+  statusBar_->setPanelKeys(kPanelKeys);
   statusBar_->setToolTipOf(QStringLiteral("Cursor"), QStringLiteral("Курсор: свободный или привязанный к линии"));
   statusBar_->setToolTipOf(QStringLiteral("TypeDiagram"), QStringLiteral("Гистограмма или график"));
   statusBar_->setToolTipOf(QStringLiteral("BlockSizeFFT"), QStringLiteral("Настройка спектрального анализа"));
@@ -237,11 +234,7 @@ void SpectrWindow::showStatus(const views::SpectrStatus& st) {
   for (size_t i = 0; i < st.text.size(); ++i) statusBar_->setText(QString::fromLatin1(kPanelKeys[i]), st.text[i]);
 }
 
-void SpectrWindow::showParameterBar(const views::ParameterBar& bar) {
-  std::vector<PanelBar::Panel> panels;
-  for (const views::ParameterPanel& p : bar.panels) panels.push_back({QString::number(panels.size()), p.text, p.toolTip});
-  parameterBar_->setPanels(std::move(panels));
-}
+void SpectrWindow::showParameterBar(const views::ParameterBar& bar) { parameterBar_->showParameters(bar); }
 
 void SpectrWindow::updateCrosshair() {
   views::DrawList overlay;

@@ -73,10 +73,7 @@ TraectoriaWindow::TraectoriaWindow(ViewHost& host, std::function<void(QPoint)> p
   progress_->hide();
   statusBar_ = new PanelBar(this);
   statusBar_->setObjectName(QStringLiteral("StatusBar1"));
-  std::vector<PanelBar::Panel> panels;
-  for (const char* key : kPanelKeys) panels.push_back({QString::fromLatin1(key), {}, {}});
-  panels.back().stretch = true;
-  statusBar_->setPanels(std::move(panels));
+  statusBar_->setPanelKeys(kPanelKeys);
   statusBar_->setToolTipOf(QStringLiteral("Cursor"), QStringLiteral("Курсор"));
   statusBar_->setToolTipOf(QStringLiteral("BeginPoint"), QStringLiteral("Начальная точка"));
 
