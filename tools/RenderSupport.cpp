@@ -25,19 +25,7 @@ std::unique_ptr<AppState> ReadRecording(ToolContext& ctx, const QString& path, c
 
 std::optional<int> IntOption(const QStringList& args, const QString& name, int fallback, int low, int high,
                              const char* command) {
-  const QString text = OptionValue(args, name);
-  if (text.isEmpty() && !args.contains(name)) return fallback;
-  bool ok = false;
-  const int value = text.toInt(&ok);
-  if (!ok || value < low || value > high) {
-    Print(stderr, QStringLiteral("%1: %2 takes a whole number from %3 to %4, not '%5'\n")
-                      .arg(QString::fromLatin1(command), name)
-                      .arg(low)
-                      .arg(high)
-                      .arg(text));
-    return std::nullopt;
-  }
-  return value;
+  return IntOption(args, QString::fromLatin1(command), name, fallback, low, high);
 }
 
 bool SavePicture(const views::DrawList& picture, const QString& path) {

@@ -6,6 +6,7 @@
 #include "core/Evaluation.h"
 #include "core/Numeric.h"
 #include "engine/Aquilonix.h"
+#include "views/DrawSupport.h"
 #include "views/spectrum/SpectrumEngine.h"
 #include "views/spectrum/SpectrumView.h"
 
@@ -17,24 +18,6 @@
 namespace aqx::views {
 
 namespace {
-
-Pen MakePen(BgrColor color, int width = 1, DashStyle dash = DashStyle::Solid) {
-  Pen p;
-  p.color = color;
-  p.width = std::max(1, width);
-  p.dash = dash;
-  return p;
-}
-
-Text MakeText(int x, int y, const QString& text, BgrColor color, TextAnchor anchor) {
-  Text t;
-  t.x = x;
-  t.y = y;
-  t.utf8 = text.toStdString();
-  t.color = color;
-  t.anchor = anchor;
-  return t;
-}
 
 int ChannelOf(const AppState& s) { return std::clamp(s.FirstChannelActive, 1, ChannelCount(s)); }
 
