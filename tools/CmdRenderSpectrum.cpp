@@ -6,6 +6,7 @@
 #include "tools/SpectrumSupport.h"
 #include "ui/paint/PaintDrawList.h"
 #include "views/Analysis.h"
+#include "views/signal/SignalEngine.h"
 #include "views/spectrum/CascadeView.h"
 #include "views/spectrum/SpectrumView.h"
 
@@ -42,6 +43,8 @@ int RunRenderSpectrum(ToolContext& ctx, const QStringList& positionals) {
                        .arg(views::CascadeCaption(v.CascadeN)));
   } else {
     auto r = std::make_unique<views::AnalysisResults>();
+    // The phases are read from the shaft marks, as in the window.
+    r->speed = views::RunOtmetchick(s);
     views::AccountChannelSpectrum(s, *r, request.channel);
     views::AccountChannelProbeValues(s, *r);
     views::SpectrViewState v;
