@@ -7,18 +7,6 @@
 
 namespace aqx {
 
-int32_t RoundHalfEven(double v) {
-  if (std::isnan(v)) return 0;
-  if (v >= 2147483647.0) return std::numeric_limits<int32_t>::max();
-  if (v <= -2147483648.0) return std::numeric_limits<int32_t>::min();
-  // nearbyint follows the current rounding mode, which is to-nearest-even
-  // unless someone changed it; do the rule by hand to be independent of that.
-  double r = std::floor(v);
-  const double diff = v - r;
-  if (diff > 0.5 || (diff == 0.5 && std::fmod(r, 2.0) != 0.0)) r += 1.0;
-  return static_cast<int32_t>(r);
-}
-
 int32_t IntFloor(double v) {
   if (std::isnan(v)) return 0;
   const double f = std::floor(v);

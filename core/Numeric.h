@@ -6,14 +6,29 @@
 #include <QLocale>
 #include <QString>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <optional>
 
 namespace aqx {
 
 // Floating point to integer: half to even, clamped to the 32-bit range
-// (NaN gives 0), so no conversion is ever undefined.
-int32_t RoundHalfEven(double v);
+// (NaN gives 0), so no conversion is ever undefined. Inline: drawing calls
+// it for every column of every trace.
+inline int32_t RoundHalfEven(double v) {
+  if (std::isnan(v)) return 0;
+  if (v >= 2147483647.0) return std::numeric_limits<int32_t>::max();
+  if (v <= -2147483648.0) return std::numeric_limits<int32_t>::min();
+  // nearbyint follows the current rounding mode, which is to-nearest-even
+  // unless someone changed it; do the rule by hand to be independent of that.
+  const double below = std::floor(v);
+  const double diff = v - below;
+  auto r = static_cast<int64_t>(below);
+  if (diff > 0.5 || (diff == 0.5 && (r & 1) != 0)) ++r;
+  return static_cast<int32_t>(std::min<int64_t>(r, std::numeric_limits<int32_t>::max()));
+}
 // Rounds down.
 int32_t IntFloor(double v);
 

@@ -6,6 +6,8 @@
 #include <QString>
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace aqx::views {
 
@@ -30,6 +32,25 @@ inline Text MakeText(int x, int y, const QString& text, BgrColor color, TextAnch
 // A one-pixel dot of ±half pixels, filled.
 inline Rect MakeDot(int x, int y, int half, BgrColor color) {
   return Rect{x - half, y - half, x + half + 1, y + half + 1, MakePen(color), true, color};
+}
+
+// Histogram bars from the base line up to each column's top (both ends
+// inked; ColumnArea::kNoColumn: no bar), the first at x = left. A plain
+// one-pixel pen makes them one area; any other pen a line each.
+inline void AddBars(int left, int baseY, std::vector<int> tops, const Pen& pen, DrawList& list) {
+  if (pen.width <= 1 && pen.dash == DashStyle::Solid && !pen.xorMode) {
+    ColumnArea bars;
+    bars.left = left;
+    bars.baseY = baseY;
+    bars.tops = std::move(tops);
+    bars.color = pen.color;
+    list.add(std::move(bars));
+    return;
+  }
+  for (size_t i = 0; i < tops.size(); ++i) {
+    const int x = left + static_cast<int>(i);
+    if (tops[i] != ColumnArea::kNoColumn) list.add(Line{x, baseY, x, tops[i], pen});
+  }
 }
 
 // A picture too small to draw in: only this note.

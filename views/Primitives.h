@@ -37,6 +37,46 @@ struct Polyline {
   BgrColor fill = 0;
 };
 
+// The area between a base line and a profile given column by column from
+// `left` on: the bars of a histogram, or the ground under a spectrum that
+// hides what lies behind it. Both ends are included. A column holding
+// kNoColumn has no bar; a `joined` area fills it up to the straight line
+// between its neighbours (the ends of the area counting as the base). One
+// item for a whole picture's width, where a line per column would be
+// thousands.
+struct ColumnArea {
+  static constexpr int kNoColumn = -2147483647 - 1;
+  int left = 0;
+  int baseY = 0;
+  std::vector<int> tops;
+  BgrColor color = 0;
+  bool joined = false;
+};
+
+// The top of each column of an area as painted: kNoColumn where nothing
+// is, the line between neighbours where a joined area has no bar of its own.
+inline std::vector<int> PaintedTops(const ColumnArea& area) {
+  std::vector<int> tops = area.tops;
+  if (!area.joined || tops.empty()) return tops;
+  if (tops.front() == ColumnArea::kNoColumn) tops.front() = area.baseY;
+  if (tops.back() == ColumnArea::kNoColumn) tops.back() = area.baseY;
+  size_t known = 0;
+  for (size_t x = 1; x < tops.size(); ++x) {
+    if (tops[x] == ColumnArea::kNoColumn) continue;
+    const long long rise = static_cast<long long>(tops[x]) - tops[known];
+    const long long run = static_cast<long long>(x - known);
+    // The nearest pixel, a half rounded down the screen; in integers, so
+    // that every machine paints the same.
+    for (size_t between = known + 1; between < x; ++between) {
+      const long long num = 2 * rise * static_cast<long long>(between - known) + run;
+      const long long step = num >= 0 ? num / (2 * run) : -((-num + 2 * run - 1) / (2 * run));
+      tops[between] = tops[known] + static_cast<int>(step);
+    }
+    known = x;
+  }
+  return tops;
+}
+
 struct Rect {
   int left = 0, top = 0, right = 0, bottom = 0;
   Pen pen;
@@ -62,7 +102,7 @@ struct Text {
   bool bold = false;
 };
 
-using Primitive = std::variant<Line, Polyline, Rect, Ellipse, Text>;
+using Primitive = std::variant<Line, Polyline, ColumnArea, Rect, Ellipse, Text>;
 
 struct DrawList {
   int width = 0;

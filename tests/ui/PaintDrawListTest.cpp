@@ -1,6 +1,12 @@
 #include "ui/paint/PaintDrawList.h"
 
+#include <QPainter>
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace aqx {
 namespace {
@@ -99,6 +105,80 @@ TEST(PaintDrawList, PolylineJoinsItsPoints) {
   EXPECT_EQ(img.pixelColor(5, 0), QColor(255, 0, 0));
   EXPECT_EQ(img.pixelColor(10, 5), QColor(255, 0, 0));
   EXPECT_EQ(img.pixelColor(5, 5), Qt::white);
+}
+
+// The same list painted straight into the image's pixels and, through a
+// clip that turns that shortcut off, by the toolkit's own fills.
+std::pair<QImage, QImage> PaintedBothWays(const DrawList& list) {
+  QImage direct = ui::RenderDrawList(list);
+  QImage clipped(list.width, list.height, QImage::Format_RGB32);
+  clipped.fill(Qt::white);
+  QPainter p(&clipped);
+  p.setClipRect(0, 0, list.width, list.height);
+  ui::PaintDrawList(p, list, ui::DefaultViewFont());
+  p.end();
+  return {direct, clipped};
+}
+
+TEST(PaintDrawList, ColumnAreasFillTheirBarsAndJoinedGapsBothWays) {
+  constexpr int kNo = views::ColumnArea::kNoColumn;
+  DrawList list = Canvas(20, 20);
+  // Bars at columns 2, 3 and 7, nothing between.
+  list.add(views::ColumnArea{2, 15, {10, 12, kNo, kNo, kNo, 5}, kRed, false});
+  // A joined ground: its gap follows the line from 10 to 4 (8 and 6 between).
+  list.add(views::ColumnArea{10, 18, {10, kNo, kNo, 4, kNo}, kBlue, true});
+  const auto [direct, clipped] = PaintedBothWays(list);
+  EXPECT_EQ(direct, clipped);
+  const QColor red(255, 0, 0), blue(0, 0, 255);
+  EXPECT_EQ(direct.pixelColor(2, 10), red);
+  EXPECT_EQ(direct.pixelColor(2, 15), red);
+  EXPECT_EQ(direct.pixelColor(2, 9), Qt::white);
+  EXPECT_EQ(direct.pixelColor(2, 16), Qt::white);
+  EXPECT_EQ(direct.pixelColor(5, 14), Qt::white);
+  EXPECT_EQ(direct.pixelColor(7, 5), red);
+  EXPECT_EQ(direct.pixelColor(11, 8), blue);
+  EXPECT_EQ(direct.pixelColor(11, 7), Qt::white);
+  EXPECT_EQ(direct.pixelColor(12, 6), blue);
+  EXPECT_EQ(direct.pixelColor(12, 5), Qt::white);
+  // The joined area's last column had no bar: it ends on the base.
+  EXPECT_EQ(direct.pixelColor(14, 18), blue);
+  EXPECT_EQ(direct.pixelColor(14, 17), Qt::white);
+  // Bars past the picture's edges are cut, not written beside it.
+  DrawList edges = Canvas(10, 10);
+  edges.add(views::ColumnArea{-3, 30, {-5, -5, -5, -5, 20, kNo, 0, 0, 0, 0, 0, 0, 0, 0, 0}, kRed, false});
+  const auto [edgeDirect, edgeClipped] = PaintedBothWays(edges);
+  EXPECT_EQ(edgeDirect, edgeClipped);
+  EXPECT_EQ(edgeDirect.pixelColor(0, 0), red);
+  EXPECT_EQ(edgeDirect.pixelColor(1, 9), Qt::white);
+  EXPECT_EQ(edgeDirect.pixelColor(9, 9), red);
+}
+
+TEST(PaintDrawList, PlainTracesStepToTheNextColumnWithoutGaps) {
+  // Steps of every kind: flat, diagonal, steep, each way.
+  DrawList list = Canvas(40, 40);
+  views::Polyline trace{{}, {}, Pen{kRed}};
+  const int rises[] = {0, 1, -1, 7, -9, 0, 2, -2, 3, -1};
+  int y = 20;
+  for (int x = 5; x < 35; ++x) {
+    trace.xs.push_back(x);
+    trace.ys.push_back(y);
+    y += rises[x % 10];
+  }
+  list.add(trace);
+  const auto [direct, clipped] = PaintedBothWays(list);
+  EXPECT_EQ(direct, clipped);
+  for (size_t i = 0; i < trace.xs.size(); ++i) EXPECT_EQ(direct.pixelColor(trace.xs[i], trace.ys[i]), QColor(255, 0, 0));
+  // Each column's ink is one run that meets the next column's.
+  std::vector<std::pair<int, int>> runs;
+  for (int x = 5; x < 35; ++x) {
+    int top = 40, bottom = -1;
+    for (int row = 0; row < 40; ++row)
+      if (direct.pixelColor(x, row) != Qt::white) top = std::min(top, row), bottom = std::max(bottom, row);
+    for (int row = top; row <= bottom; ++row) EXPECT_NE(direct.pixelColor(x, row), Qt::white) << x << "," << row;
+    runs.push_back({top, bottom});
+  }
+  for (size_t i = 1; i < runs.size(); ++i)
+    EXPECT_TRUE(runs[i].first <= runs[i - 1].second + 1 && runs[i].second >= runs[i - 1].first - 1) << i;
 }
 
 QRect InkBox(const QImage& img) {

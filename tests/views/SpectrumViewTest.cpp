@@ -133,16 +133,20 @@ TEST(SpectrumPicture, RangeZeroDrawsOnlyTheFirstDecadeAndHistogramBarsStopAbove)
   f.s->options.spectr.SpectrViewType = 0;
   const views::DrawList list = f.draw();
   EXPECT_EQ(LinesOf(list, kGrid).size(), 20u);
-  const auto bars = LinesOf(list, kTrace);
-  ASSERT_FALSE(bars.empty());
-  for (const views::Line& bar : bars) {
-    EXPECT_EQ(bar.y1, 299);
-    EXPECT_LE(bar.x1, 740);
+  const auto areas = ItemsOf<views::ColumnArea>(list);
+  ASSERT_EQ(areas.size(), 1u);
+  const views::ColumnArea& bars = areas[0];
+  EXPECT_EQ(bars.color, kTrace);
+  EXPECT_EQ(bars.baseY, 299);
+  int highest = -1;
+  for (size_t x = 0; x < bars.tops.size(); ++x) {
+    if (bars.tops[x] == views::ColumnArea::kNoColumn) continue;
+    EXPECT_LE(x, 740u);
+    if (highest < 0 || bars.tops[x] < bars.tops[static_cast<size_t>(highest)]) highest = static_cast<int>(x);
   }
   // The bar of 4.88 Hz stands near the middle and stops one pixel above its level.
-  const auto top = std::min_element(bars.begin(), bars.end(), [](const auto& a, const auto& b) { return a.y2 < b.y2; });
-  EXPECT_EQ(top->x1, 361);
-  EXPECT_EQ(top->y2, 299 - 80 * 3 - 1);
+  EXPECT_EQ(bars.left + highest, 361);
+  EXPECT_EQ(bars.tops[static_cast<size_t>(highest)], 299 - 80 * 3 - 1);
 }
 
 TEST(SpectrumPicture, MarkerChannelsAndEvaluationCurves) {
@@ -265,13 +269,15 @@ TEST(CascadeBox, PartsFollowTheRecordAndMarkersShowAnEmptyFrame) {
   const auto traces = TracesOf(list);
   ASSERT_EQ(traces.size(), 4u);
   // Each plane hides what lies behind it under its own trace, nothing above.
-  std::vector<views::Polyline> grounds = ItemsOf<views::Polyline>(list);
-  std::erase_if(grounds, [](const views::Polyline& p) { return !p.filled; });
+  const auto grounds = ItemsOf<views::ColumnArea>(list);
   ASSERT_EQ(grounds.size(), 4u);
   for (size_t part = 0; part < 4; ++part) {
-    const std::vector<int> under(grounds[part].ys.begin(), grounds[part].ys.end() - 1);
-    EXPECT_EQ(under, traces[part].ys) << "part " << part;
-    EXPECT_EQ(grounds[part].ys.back(), grounds[part].ys.front());
+    EXPECT_TRUE(grounds[part].joined);
+    std::vector<int> under;
+    for (size_t x = 0; x < grounds[part].tops.size(); ++x)
+      if (grounds[part].tops[x] != views::ColumnArea::kNoColumn) under.push_back(grounds[part].tops[x]);
+    EXPECT_EQ(under, std::vector<int>(traces[part].ys.begin() + 1, traces[part].ys.end())) << "part " << part;
+    EXPECT_EQ(grounds[part].baseY, traces[part].ys.front());
   }
   s->channels.Type[1] = 3;
   views::PrepareCascade(*s, v);

@@ -9,6 +9,7 @@
 #include <QTransform>
 
 #include <algorithm>
+#include <array>
 
 namespace aqx::ui {
 
@@ -63,11 +64,71 @@ bool IsPlainPen(const QPainter& p, const views::Pen& pen) {
          p.transform().type() <= QTransform::TxTranslate;
 }
 
+// An image painted without clip or transform takes opaque ink as stores
+// straight into its pixels: a thinned trace of a million samples fills some
+// two million of them, and a box per row costs twice as much.
+struct DirectPixels {
+  uint32_t* pixels = nullptr;
+  size_t stridePixels = 0;
+  int widthPx = 0, heightPx = 0;
+  uint32_t value = 0;
+
+  DirectPixels(QPainter& p, const QColor& color) {
+    QPaintDevice* device = p.device();
+    if (device == nullptr || device->devType() != QInternal::Image || p.hasClipping() ||
+        !p.transform().isIdentity() || color.alpha() != 255)
+      return;
+    auto* image = static_cast<QImage*>(device);
+    const QImage::Format f = image->format();
+    if (f != QImage::Format_RGB32 && f != QImage::Format_ARGB32 && f != QImage::Format_ARGB32_Premultiplied) return;
+    // The painter has the image to itself already; constBits does not copy it.
+    pixels = reinterpret_cast<uint32_t*>(const_cast<uchar*>(image->constBits()));
+    stridePixels = static_cast<size_t>(image->bytesPerLine()) / sizeof(uint32_t);
+    widthPx = image->width();
+    heightPx = image->height();
+    value = color.rgba();
+  }
+  explicit operator bool() const { return pixels != nullptr; }
+  uint32_t* row(int y) const { return pixels + static_cast<size_t>(y) * stridePixels; }
+};
+
+// Fills an area column by column as the image lies in memory: a strip of
+// columns one cache line wide, row after row, so that each line is fetched
+// once and not once per column it holds.
+void FillArea(const DirectPixels& d, int left, int baseY, const std::vector<int>& tops) {
+  constexpr int kStripPx = 16;
+  const int count = static_cast<int>(tops.size());
+  std::array<int, kStripPx> low{}, high{};
+  for (int start = std::max(0, -left); start < count && left + start < d.widthPx; start += kStripPx) {
+    const int width = std::min({kStripPx, count - start, d.widthPx - left - start});
+    int stripLow = d.heightPx, stripHigh = -1;
+    for (int i = 0; i < width; ++i) {
+      const int top = tops[static_cast<size_t>(start + i)];
+      if (top == views::ColumnArea::kNoColumn) {
+        low[static_cast<size_t>(i)] = 1;
+        high[static_cast<size_t>(i)] = 0;
+        continue;
+      }
+      low[static_cast<size_t>(i)] = std::min(top, baseY);
+      high[static_cast<size_t>(i)] = std::max(top, baseY);
+      stripLow = std::min(stripLow, low[static_cast<size_t>(i)]);
+      stripHigh = std::max(stripHigh, high[static_cast<size_t>(i)]);
+    }
+    stripLow = std::max(stripLow, 0);
+    stripHigh = std::min(stripHigh, d.heightPx - 1);
+    for (int y = stripLow; y <= stripHigh; ++y) {
+      uint32_t* at = d.row(y) + left + start;
+      for (int i = 0; i < width; ++i)
+        if (low[static_cast<size_t>(i)] <= y && y <= high[static_cast<size_t>(i)]) at[i] = d.value;
+    }
+  }
+}
+
 // Fills solid one-pixel strokes as boxes. Vertical pieces that touch in the
 // same column are joined first, so that a pixel is filled once.
 class StrokeFiller {
  public:
-  StrokeFiller(QPainter& p, const QColor& color) : p_(p), color_(color) { findPixels(); }
+  StrokeFiller(QPainter& p, const QColor& color) : p_(p), color_(color), direct_(p, color) {}
   ~StrokeFiller() { flush(); }
   StrokeFiller(const StrokeFiller&) = delete;
   StrokeFiller& operator=(const StrokeFiller&) = delete;
@@ -75,27 +136,31 @@ class StrokeFiller {
   // False for a stroke that is not made of such pieces.
   bool add(int x1, int y1, int x2, int y2) {
     if (y1 == y2 && x1 != x2) {
-      p_.fillRect(QRect(QPoint(std::min(x1, x2), y1), QPoint(std::max(x1, x2), y1)), color_);
+      row(std::min(x1, x2), std::max(x1, x2), y1);
       return true;
     }
     if (x1 == x2) {
       column(x1, y1, y2);
       return true;
     }
-    // A steep stroke to the next column (the joints of a thinned trace): its
-    // first half lies in the one column, its second half in the other.
-    if (std::abs(x2 - x1) == 1 && std::abs(y2 - y1) > 1) {
-      const int middle = y1 + (y2 - y1) / 2;
-      column(x1, y1, middle);
-      column(x2, middle + (y2 > y1 ? 1 : -1), y2);
+    if (std::abs(x2 - x1) != 1) return false;
+    // A stroke to the next column (the joints of a thinned trace, the steps
+    // of a spectrum): its first half lies in the one column, its second half
+    // in the other; a diagonal step is its two end pixels.
+    if (std::abs(y2 - y1) <= 1) {
+      column(x1, y1, y1);
+      column(x2, y2, y2);
       return true;
     }
-    return false;
+    const int middle = y1 + (y2 - y1) / 2;
+    column(x1, y1, middle);
+    column(x2, middle + (y2 > y1 ? 1 : -1), y2);
+    return true;
   }
 
   void flush() {
     if (open_) {
-      if (pixels_ != nullptr) {
+      if (direct_) {
         storeColumn();
       } else {
         p_.fillRect(QRect(QPoint(x_, low_), QPoint(x_, high_)), color_);
@@ -105,30 +170,21 @@ class StrokeFiller {
   }
 
  private:
-  // An image painted without clip or transform takes its columns as runs of
-  // stores straight into its pixels: a thinned trace of a million samples
-  // fills some two million of them, and a box per row costs twice as much.
-  void findPixels() {
-    QPaintDevice* device = p_.device();
-    if (device == nullptr || device->devType() != QInternal::Image || p_.hasClipping() ||
-        !p_.transform().isIdentity() || color_.alpha() != 255)
-      return;
-    auto* image = static_cast<QImage*>(device);
-    const QImage::Format f = image->format();
-    if (f != QImage::Format_RGB32 && f != QImage::Format_ARGB32 && f != QImage::Format_ARGB32_Premultiplied) return;
-    // The painter has the image to itself already; constBits does not copy it.
-    pixels_ = reinterpret_cast<uint32_t*>(const_cast<uchar*>(image->constBits()));
-    stridePixels_ = static_cast<size_t>(image->bytesPerLine()) / sizeof(uint32_t);
-    widthPx_ = image->width();
-    heightPx_ = image->height();
-    value_ = color_.rgba();
+  void storeColumn() const {
+    if (x_ < 0 || x_ >= direct_.widthPx) return;
+    const int top = std::max(low_, 0), bottom = std::min(high_, direct_.heightPx - 1);
+    uint32_t* at = direct_.row(top) + x_;
+    for (int y = top; y <= bottom; ++y, at += direct_.stridePixels) *at = direct_.value;
   }
 
-  void storeColumn() const {
-    if (x_ < 0 || x_ >= widthPx_) return;
-    const int top = std::max(low_, 0), bottom = std::min(high_, heightPx_ - 1);
-    uint32_t* at = pixels_ + static_cast<size_t>(top) * stridePixels_ + static_cast<size_t>(x_);
-    for (int y = top; y <= bottom; ++y, at += stridePixels_) *at = value_;
+  void row(int left, int right, int y) {
+    if (!direct_) {
+      p_.fillRect(QRect(QPoint(left, y), QPoint(right, y)), color_);
+      return;
+    }
+    if (y < 0 || y >= direct_.heightPx || right < 0 || left >= direct_.widthPx) return;
+    uint32_t* line = direct_.row(y);
+    std::fill(line + std::max(left, 0), line + std::min(right, direct_.widthPx - 1) + 1, direct_.value);
   }
 
   void column(int x, int ya, int yb) {
@@ -147,10 +203,7 @@ class StrokeFiller {
 
   QPainter& p_;
   QColor color_;
-  uint32_t* pixels_ = nullptr;
-  size_t stridePixels_ = 0;
-  int widthPx_ = 0, heightPx_ = 0;
-  uint32_t value_ = 0;
+  DirectPixels direct_;
   bool open_ = false;
   int x_ = 0, low_ = 0, high_ = 0;
 };
@@ -205,6 +258,21 @@ struct Painter {
     QPolygon polygon(static_cast<int>(n));
     for (size_t i = 0; i < n; ++i) polygon.setPoint(static_cast<int>(i), poly.xs[i], poly.ys[i]);
     p.drawPolyline(polygon);
+  }
+
+  void operator()(const views::ColumnArea& area) const {
+    p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    const std::vector<int> tops = views::PaintedTops(area);
+    if (const DirectPixels direct(p, ToQColor(area.color)); direct) {
+      FillArea(direct, area.left, area.baseY, tops);
+      return;
+    }
+    StrokeFiller filler(p, ToQColor(area.color));
+    for (size_t i = 0; i < tops.size(); ++i) {
+      if (tops[i] == views::ColumnArea::kNoColumn) continue;
+      const int x = area.left + static_cast<int>(i);
+      filler.add(x, area.baseY, x, tops[i]);
+    }
   }
 
   void operator()(const views::Rect& rect) const {
@@ -295,8 +363,9 @@ void PaintDrawList(QPaintDevice& device, const views::DrawList& list, const QFon
 }
 
 QImage RenderDrawList(const views::DrawList& list, const QFont& font) {
+  // The painting fills the background itself, unless the list has no size.
   QImage image(std::max(1, list.width), std::max(1, list.height), QImage::Format_RGB32);
-  image.fill(ToQColor(list.background));
+  if (list.width < 1 || list.height < 1) image.fill(ToQColor(list.background));
   PaintDrawList(image, list, font);
   return image;
 }

@@ -5,6 +5,7 @@
 #include "core/ChannelPhysics.h"
 #include "core/Numeric.h"
 #include "views/Analysis.h"
+#include "views/DrawSupport.h"
 #include "views/spectrum/SpectrumEngine.h"
 #include "views/spectrum/SpectrumView.h"
 
@@ -19,13 +20,6 @@ namespace {
 constexpr int kFarMarginPx = 6;
 constexpr double kDefaultRatioX = 1.4;
 constexpr double kDefaultRatioY = 1.9;
-
-Pen MakePen(BgrColor color, int width = 1) {
-  Pen p;
-  p.color = color;
-  p.width = std::max(1, width);
-  return p;
-}
 
 int ChannelOf(const AppState& s) { return std::clamp(s.FirstChannelActive, 1, ChannelCount(s)); }
 
@@ -74,29 +68,22 @@ void DrawPart(const AppState& s, const CascadeViewState& v, const CascadeBox& bo
   const auto yOf = [&](float a) { return bottom - std::min(box.BoxH, RoundHalfEven(a / v.UnitsPerPixel)); };
   const int count = std::min(static_cast<int>(columns.size()), box.BoxW);
   // What lies behind this plane's trace is hidden by the ground under it;
-  // the rest of the plane stays see-through, and the fill is no larger than
-  // the area under the spectrum.
-  Polyline ground;
-  ground.pen = MakePen(ViewBackground(s));
-  ground.filled = true;
-  ground.fill = ViewBackground(s);
-  ground.xs.reserve(static_cast<size_t>(count) + 2);
-  ground.ys.reserve(static_cast<size_t>(count) + 2);
-  ground.xs.push_back(left);
-  ground.ys.push_back(bottom);
-  for (int x = 0; x < count; ++x) {
-    if (columns[static_cast<size_t>(x)] < 0.0f) continue;
-    ground.xs.push_back(left + x);
-    ground.ys.push_back(yOf(columns[static_cast<size_t>(x)]));
-  }
-  ground.xs.push_back(left + std::max(count - 1, 0));
-  ground.ys.push_back(bottom);
-  list.add(std::move(ground));
+  // the rest of the plane stays see-through.
+  ColumnArea ground;
+  ground.left = left;
+  ground.baseY = bottom;
+  ground.color = ViewBackground(s);
+  ground.tops.assign(static_cast<size_t>(count), ColumnArea::kNoColumn);
+  for (int x = 0; x < count; ++x)
+    if (columns[static_cast<size_t>(x)] >= 0.0f) ground.tops[static_cast<size_t>(x)] = yOf(columns[static_cast<size_t>(x)]);
+  ground.joined = true;
   if (s.options.spectrum.SpectrumViewType == 0) {
-    for (int x = 0; x < count; ++x)
-      if (columns[static_cast<size_t>(x)] >= 0.0f) list.add(Line{left + x, bottom, left + x, yOf(columns[static_cast<size_t>(x)]), pen});
+    std::vector<int> tops = ground.tops;
+    list.add(std::move(ground));
+    AddBars(left, bottom, std::move(tops), pen, list);
     return;
   }
+  list.add(std::move(ground));
   Polyline line;
   line.pen = pen;
   line.xs.reserve(static_cast<size_t>(count) + 1);

@@ -96,8 +96,10 @@ void DrawThinnedTrace(const AppState& s, const SpectrViewState& v, const Analysi
                          histogram, decadeStart.data(), decadeDivisions.data(), &flag, columnY.data());
   if (flag == 0) return;
   if (histogram == 0) {
+    std::vector<int> tops(static_cast<size_t>(width), ColumnArea::kNoColumn);
     for (int x = 0; x < width; ++x)
-      if (columnY[static_cast<size_t>(x)] < h) list.add(Line{x, h, x, columnY[static_cast<size_t>(x)], pen});
+      if (columnY[static_cast<size_t>(x)] < h) tops[static_cast<size_t>(x)] = columnY[static_cast<size_t>(x)];
+    AddBars(0, h, std::move(tops), pen, list);
     return;
   }
   Polyline line;
@@ -127,8 +129,8 @@ void DrawLineTrace(const AppState& s, const SpectrViewState& v, const AnalysisRe
                });
   if (s.options.spectr.SpectrViewType == 0) {
     // A bar stops one pixel above its level, as it always has.
-    for (int x = 0; x <= v.widthPx; ++x)
-      if (topOfColumn[static_cast<size_t>(x)] != kNoLine) list.add(Line{x, h, x, topOfColumn[static_cast<size_t>(x)] - 1, pen});
+    for (int& top : topOfColumn) top = top == kNoLine ? ColumnArea::kNoColumn : top - 1;
+    AddBars(0, h, std::move(topOfColumn), pen, list);
     return;
   }
   Polyline line;

@@ -44,10 +44,24 @@ std::vector<float> DecadeColumnMaxima(const double* amplitude, int lineCount, do
                                       int gridDivisions, double topHz) {
   std::vector<float> columns(static_cast<size_t>(std::max(widthPx, 0)), -1.0f);
   if (columns.empty() || amplitude == nullptr) return columns;
+  // Lines come in order of x, thousands to a column in the upper decades:
+  // the running maximum stays in a register until the column changes.
+  int column = -1;
+  double largest = -1.0;
+  const auto keep = [&] {
+    if (column >= 0) columns[static_cast<size_t>(column)] = std::max(columns[static_cast<size_t>(column)], static_cast<float>(largest));
+  };
   ForEachLineX(lineCount, stepHz, widthPx, gridDivisions, topHz, [&](int k, double x) {
-    const size_t column = static_cast<size_t>(std::clamp(static_cast<int>(x), 0, widthPx - 1));
-    columns[column] = std::max(columns[column], static_cast<float>(amplitude[k]));
+    const int at = std::clamp(static_cast<int>(x), 0, widthPx - 1);
+    if (at != column) {
+      keep();
+      column = at;
+      largest = amplitude[k];
+    } else {
+      largest = std::max(largest, amplitude[k]);
+    }
   });
+  keep();
   return columns;
 }
 
