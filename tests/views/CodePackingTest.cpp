@@ -86,15 +86,21 @@ TEST(CodePacking, NoiseAndNyquistComeBackAtNoMoreThanTheirOwnSize) {
   EXPECT_LT(bytes, 600u);
 }
 
-TEST(CodePacking, AColumnOfTheStoreComesBackWithoutTouchingItsNeighbours) {
+TEST(CodePacking, ColumnsOfTheStoreComeBackWithoutTouchingTheirNeighbours) {
   constexpr size_t kStride = 32, kRows = kPackBlockCodes + 7;
   std::vector<int16_t> store(kRows * kStride);
   for (size_t i = 0; i < store.size(); ++i) store[i] = static_cast<int16_t>(i * 7919 % 65536 - 32768);
   const std::vector<int16_t> before = store;
-  const std::vector<uint8_t> packed = PackCodes(store.data() + 5, kRows, kStride);
-  for (size_t r = 0; r < kRows; ++r) store[r * kStride + 5] = 0;
-  ASSERT_TRUE(UnpackCodes(packed, store.data() + 5, kRows, kStride));
+  const std::vector<uint8_t> one = PackCodes(store.data() + 5, kRows, kStride);
+  const std::vector<size_t> columns = {31, 0, 7};
+  const std::vector<std::vector<uint8_t>> three = PackColumns(store.data(), kRows, kStride, columns);
+  for (size_t r = 0; r < kRows; ++r)
+    for (size_t c : {size_t{5}, size_t{31}, size_t{0}, size_t{7}}) store[r * kStride + c] = 0;
+  ASSERT_TRUE(UnpackCodes(one, store.data() + 5, kRows, kStride));
+  ASSERT_TRUE(UnpackColumns(three, store.data(), kRows, kStride, columns));
   EXPECT_EQ(store, before);
+  // Runs in a different number than the columns are refused.
+  EXPECT_FALSE(UnpackColumns(three, store.data(), kRows, kStride, std::vector<size_t>{1, 2}));
 }
 
 TEST(CodePacking, ATruncatedRunIsRefused) {

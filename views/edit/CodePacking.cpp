@@ -29,8 +29,6 @@ constexpr int kMaxOrder = 3;
 // Most significant bit first, into bytes.
 class BitWriter {
  public:
-  explicit BitWriter(std::vector<uint8_t>& out) : out_(out) {}
-
   // value < 2^bits, bits <= 32.
   void put(uint32_t value, int bits) {
     acc_ = (acc_ << bits) | value;
@@ -38,10 +36,10 @@ class BitWriter {
     if (held_ >= 32) {
       held_ -= 32;
       const auto word = static_cast<uint32_t>(acc_ >> held_);
-      out_.push_back(static_cast<uint8_t>(word >> 24));
-      out_.push_back(static_cast<uint8_t>(word >> 16));
-      out_.push_back(static_cast<uint8_t>(word >> 8));
-      out_.push_back(static_cast<uint8_t>(word));
+      bytes_.push_back(static_cast<uint8_t>(word >> 24));
+      bytes_.push_back(static_cast<uint8_t>(word >> 16));
+      bytes_.push_back(static_cast<uint8_t>(word >> 8));
+      bytes_.push_back(static_cast<uint8_t>(word));
     }
   }
 
@@ -56,16 +54,18 @@ class BitWriter {
     }
   }
 
-  void finish() {
+  // The bytes written, the last one filled with zeros, sized exactly.
+  std::vector<uint8_t> finish() {
     put(0, (8 - held_ % 8) % 8);
     while (held_ >= 8) {
       held_ -= 8;
-      out_.push_back(static_cast<uint8_t>(acc_ >> held_));
+      bytes_.push_back(static_cast<uint8_t>(acc_ >> held_));
     }
+    return {bytes_.begin(), bytes_.end()};
   }
 
  private:
-  std::vector<uint8_t>& out_;
+  std::vector<uint8_t> bytes_;
   uint64_t acc_ = 0;
   int held_ = 0;
 };
@@ -73,6 +73,7 @@ class BitWriter {
 // Reads what BitWriter wrote; past the end it reads zeros and remembers it.
 class BitReader {
  public:
+  BitReader() = default;
   explicit BitReader(std::span<const uint8_t> in) : next_(in.data()), end_(in.data() + in.size()) {}
 
   uint32_t get(int bits) {
@@ -118,8 +119,8 @@ class BitReader {
     return value;
   }
 
-  const uint8_t* next_;
-  const uint8_t* end_;
+  const uint8_t* next_ = nullptr;
+  const uint8_t* end_ = nullptr;
   uint64_t acc_ = 0;  // held bits at the top
   int held_ = 0;
   int padded_ = 0;
@@ -241,61 +242,107 @@ void PackBlock(std::span<const int32_t> block, History& h, std::vector<uint32_t>
   h = after;
 }
 
+// One column's run while it is packed or unpacked block by block.
+struct ColumnPacker {
+  BitWriter out;
+  History h{};
+};
+
+struct ColumnUnpacker {
+  BitReader in;
+  History h{};
+};
+
+bool UnpackBlock(ColumnUnpacker& column, std::span<int32_t> block) {
+  BitReader& in = column.in;
+  History& h = column.h;
+  const uint32_t kind = in.get(kKindBits);
+  if (kind == kKindConstant || kind == kKindPlain) {
+    const bool constant = kind == kKindConstant;
+    const auto value = static_cast<int16_t>(in.get(kCodeBits));
+    for (size_t i = 0; i < block.size(); ++i) {
+      block[i] = constant || i == 0 ? value : static_cast<int16_t>(in.get(kCodeBits));
+      Push(h, block[i]);
+    }
+  } else if (kind <= static_cast<uint32_t>(kMaxOrder)) {
+    const auto order = static_cast<int>(kind);
+    const auto parameter = static_cast<int>(in.get(kRiceParameterBits));
+    if (parameter > kMaxRiceParameter) return false;
+    for (int32_t& x : block) {
+      x = Prediction(order, h) + Unzigzag(in.getRice(parameter));
+      if (x < INT16_MIN || x > INT16_MAX) return false;
+      Push(h, x);
+    }
+  } else {
+    return false;
+  }
+  return !in.overrun();
+}
+
 }  // namespace
 
-std::vector<uint8_t> PackCodes(const int16_t* codes, size_t count, size_t strideCodes) {
-  std::vector<uint8_t> packed;
-  packed.reserve(count / 2 + 16);
-  BitWriter out(packed);
-  History h{};
-  if (count > 0) {
-    h.fill(codes[0]);
-    out.put(static_cast<uint16_t>(codes[0]), kCodeBits);
+std::vector<std::vector<uint8_t>> PackColumns(const int16_t* rows, size_t rowCount, size_t strideCodes,
+                                              std::span<const size_t> columns) {
+  const size_t width = columns.size();
+  const size_t blockRows = std::min(rowCount, kPackBlockCodes);
+  std::vector<ColumnPacker> packers(width);
+  if (rowCount > 0) {
+    for (size_t k = 0; k < width; ++k) {
+      const int16_t first = rows[columns[k]];
+      packers[k].h.fill(first);
+      packers[k].out.put(static_cast<uint16_t>(first), kCodeBits);
+    }
   }
-  std::vector<int32_t> block(std::min(count, kPackBlockCodes));
+  std::vector<int32_t> blocks(width * blockRows);
   std::vector<uint32_t> residuals;
-  for (size_t start = 0; start < count; start += kPackBlockCodes) {
-    const size_t n = std::min(kPackBlockCodes, count - start);
-    const int16_t* source = codes + start * strideCodes;
-    for (size_t i = 0; i < n; ++i) block[i] = source[i * strideCodes];
-    PackBlock(std::span<const int32_t>(block.data(), n), h, residuals, out);
+  for (size_t start = 0; start < rowCount; start += kPackBlockCodes) {
+    const size_t n = std::min(kPackBlockCodes, rowCount - start);
+    for (size_t r = 0; r < n; ++r) {
+      const int16_t* row = rows + (start + r) * strideCodes;
+      for (size_t k = 0; k < width; ++k) blocks[k * blockRows + r] = row[columns[k]];
+    }
+    for (size_t k = 0; k < width; ++k)
+      PackBlock(std::span<const int32_t>(blocks.data() + k * blockRows, n), packers[k].h, residuals, packers[k].out);
   }
-  out.finish();
-  return {packed.begin(), packed.end()};
+  std::vector<std::vector<uint8_t>> packed;
+  packed.reserve(width);
+  for (ColumnPacker& p : packers) packed.push_back(p.out.finish());
+  return packed;
+}
+
+bool UnpackColumns(std::span<const std::vector<uint8_t>> packed, int16_t* rows, size_t rowCount, size_t strideCodes,
+                   std::span<const size_t> columns) {
+  const size_t width = columns.size();
+  if (packed.size() != width) return false;
+  const size_t blockRows = std::min(rowCount, kPackBlockCodes);
+  std::vector<ColumnUnpacker> unpackers(width);
+  for (size_t k = 0; k < width; ++k) {
+    unpackers[k].in = BitReader(packed[k]);
+    if (rowCount > 0) unpackers[k].h.fill(static_cast<int16_t>(unpackers[k].in.get(kCodeBits)));
+  }
+  std::vector<int32_t> blocks(width * blockRows);
+  for (size_t start = 0; start < rowCount; start += kPackBlockCodes) {
+    const size_t n = std::min(kPackBlockCodes, rowCount - start);
+    for (size_t k = 0; k < width; ++k)
+      if (!UnpackBlock(unpackers[k], std::span<int32_t>(blocks.data() + k * blockRows, n))) return false;
+    for (size_t r = 0; r < n; ++r) {
+      int16_t* row = rows + (start + r) * strideCodes;
+      for (size_t k = 0; k < width; ++k) row[columns[k]] = static_cast<int16_t>(blocks[k * blockRows + r]);
+    }
+  }
+  return true;
+}
+
+std::vector<uint8_t> PackCodes(const int16_t* codes, size_t count, size_t strideCodes) {
+  const size_t column = 0;
+  return std::move(PackColumns(codes, count, strideCodes, std::span<const size_t>(&column, 1)).front());
 }
 
 bool UnpackCodes(std::span<const uint8_t> packed, int16_t* codes, size_t count, size_t strideCodes) {
-  BitReader in(packed);
-  History h{};
-  if (count > 0) h.fill(static_cast<int16_t>(in.get(kCodeBits)));
-  for (size_t start = 0; start < count; start += kPackBlockCodes) {
-    const size_t n = std::min(kPackBlockCodes, count - start);
-    int16_t* target = codes + start * strideCodes;
-    const uint32_t kind = in.get(kKindBits);
-    if (kind == kKindConstant || kind == kKindPlain) {
-      const bool constant = kind == kKindConstant;
-      const auto value = static_cast<int16_t>(in.get(kCodeBits));
-      for (size_t i = 0; i < n; ++i) {
-        const int16_t x = constant || i == 0 ? value : static_cast<int16_t>(in.get(kCodeBits));
-        target[i * strideCodes] = x;
-        Push(h, x);
-      }
-    } else if (kind <= static_cast<uint32_t>(kMaxOrder)) {
-      const auto order = static_cast<int>(kind);
-      const auto parameter = static_cast<int>(in.get(kRiceParameterBits));
-      if (parameter > kMaxRiceParameter) return false;
-      for (size_t i = 0; i < n; ++i) {
-        const int32_t x = Prediction(order, h) + Unzigzag(in.getRice(parameter));
-        if (x < INT16_MIN || x > INT16_MAX) return false;
-        target[i * strideCodes] = static_cast<int16_t>(x);
-        Push(h, x);
-      }
-    } else {
-      return false;
-    }
-    if (in.overrun()) return false;
-  }
-  return true;
+  const size_t column = 0;
+  const std::vector<uint8_t> run(packed.begin(), packed.end());
+  return UnpackColumns(std::span<const std::vector<uint8_t>>(&run, 1), codes, count, strideCodes,
+                       std::span<const size_t>(&column, 1));
 }
 
 }  // namespace aqx::views

@@ -58,7 +58,12 @@ void SwapBytes(int16_t* a, int16_t* b, size_t count) {
 
 size_t RowOffset(int row) { return static_cast<size_t>(row - 1) * SampleStore::kColumns; }
 
-int16_t* ColumnStart(AppState& s, int row, int channel) { return s.SignalData.data() + RowOffset(row) + (channel - 1); }
+// The channels as columns of the store, from 0.
+std::vector<size_t> StoreColumns(const std::vector<int>& channels) {
+  std::vector<size_t> columns;
+  for (int c : channels) columns.push_back(static_cast<size_t>(c - 1));
+  return columns;
+}
 
 }  // namespace
 
@@ -68,9 +73,9 @@ void EditHistory::noteSaved(const AppState& s) {
 
 void EditHistory::pack(Step& step) {
   if (step.packed) return;
-  const size_t width = step.channels.size();
-  step.columns.resize(width);
-  for (size_t k = 0; k < width; ++k) step.columns[k] = PackCodes(step.codes.data() + k, step.rows(), width);
+  std::vector<size_t> columns(step.channels.size());
+  std::iota(columns.begin(), columns.end(), size_t{0});
+  step.columns = PackColumns(step.codes.data(), step.rows(), columns.size(), columns);
   std::vector<int16_t>().swap(step.codes);
   step.packed = true;
 }
@@ -93,7 +98,7 @@ void EditHistory::begin(const AppState& s, int firstRow, int lastRow, std::vecto
   const int16_t* store = s.SignalData.data() + RowOffset(step.firstRow);
   if (rows * width <= kUnpackedStepCodes) {
     step.packed = true;
-    for (int c : step.channels) step.columns.push_back(PackCodes(store + (c - 1), rows, SampleStore::kColumns));
+    step.columns = PackColumns(store, rows, SampleStore::kColumns, StoreColumns(step.channels));
   } else if (AllChannels(step.channels)) {
     step.codes.assign(store, store + rows * width);
   } else {
@@ -138,12 +143,11 @@ void EditHistory::swapWithState(Step& step, AppState& s) {
   const size_t rows = step.rows();
   const size_t width = step.channels.size();
   if (step.packed) {
-    for (size_t k = 0; k < width; ++k) {
-      int16_t* column = ColumnStart(s, step.firstRow, step.channels[k]);
-      std::vector<uint8_t> present = PackCodes(column, rows, SampleStore::kColumns);
-      UnpackCodes(step.columns[k], column, rows, SampleStore::kColumns);
-      step.columns[k] = std::move(present);
-    }
+    int16_t* store = s.SignalData.data() + RowOffset(step.firstRow);
+    const std::vector<size_t> columns = StoreColumns(step.channels);
+    std::vector<std::vector<uint8_t>> present = PackColumns(store, rows, SampleStore::kColumns, columns);
+    UnpackColumns(step.columns, store, rows, SampleStore::kColumns, columns);
+    step.columns = std::move(present);
   } else if (AllChannels(step.channels)) {
     SwapBytes(step.codes.data(), s.SignalData.data() + RowOffset(step.firstRow), rows * width);
   } else {
