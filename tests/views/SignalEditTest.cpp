@@ -270,7 +270,7 @@ TEST(EditHistory, KeepsTheLastStepsAndForgetsThemWhenTheSamplesAreReplaced) {
     SignalZero(*s, prompts, history);
   }
   EXPECT_EQ(history.undoCount(), 3u);
-  EXPECT_EQ(history.codeBytes(), 3 * sizeof(int16_t));  // one code a step
+  EXPECT_LE(history.codeBytes(), 3 * 8u);  // one code a step, packed
   history.undo(*s);
   EXPECT_TRUE(history.canRedo(*s));
   // A new edit takes another road: redo is gone.

@@ -4,6 +4,7 @@
 #include "engine/Aquilonix.h"
 #include "tests/views/SignalTestSupport.h"
 #include "views/Analysis.h"
+#include "views/edit/EditHistory.h"
 #include "views/spectrum/SpectrumEngine.h"
 #include "views/spectrum/SpectrumView.h"
 
@@ -157,6 +158,26 @@ TEST(SpectrumNumbers, FilteringChangesSamplesOnlyWithAnEntry) {
   int peak = 0;
   for (int i = 500; i < 3500; ++i) peak = std::max(peak, std::abs(static_cast<int>(s->SignalData.at(i, 1))));
   EXPECT_LT(peak, 20);
+}
+
+// Filtering through the window is an edit like the others: undo brings the
+// samples and the saved flag back, redo the filtered ones.
+TEST(SpectrumNumbers, FilteringCanBeUndoneAndRedone) {
+  auto s = MakeState(kSamples);
+  FillSine(*s, 200.0, 1000.0);
+  for (int c = 1; c <= kMaxChannels; ++c) s->channels.Filter[c].fill(-1.0f);
+  s->channels.Filter[1][1] = 20.0f;
+  const std::vector<int16_t> original(s->SignalData.data(), s->SignalData.data() + SampleStore::kElements);
+  views::EditHistory history;
+  ASSERT_TRUE(views::FilterSamples(*s, &history));
+  const std::vector<int16_t> filtered(s->SignalData.data(), s->SignalData.data() + SampleStore::kElements);
+  ASSERT_NE(filtered, original);
+  ASSERT_TRUE(history.undo(*s));
+  EXPECT_TRUE(std::equal(original.begin(), original.end(), s->SignalData.data()));
+  EXPECT_TRUE(s->DataSaved);
+  ASSERT_TRUE(history.redo(*s));
+  EXPECT_TRUE(std::equal(filtered.begin(), filtered.end(), s->SignalData.data()));
+  EXPECT_FALSE(s->DataSaved);
 }
 
 }  // namespace

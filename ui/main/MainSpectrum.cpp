@@ -1,6 +1,7 @@
 // frmMain's commands of the spectrum family: the spectrum and cascade views,
 // the analyser settings, the probe and filter tables, the evaluation window.
 
+#include "ui/editing/RecordingEdits.h"
 #include "ui/main/MainWindow.h"
 #include "ui/setup/SetupDialogs.h"
 #include "ui/spectrum/CascadeWindow.h"
@@ -62,8 +63,13 @@ void MainWindow::installSpectrumRefresh(views::ViewRegistry& registry) {
 namespace {
 
 SetupContext MakeContext(AppState& s, SettingsStore& store, Prompts& prompts, MainWindow& main) {
-  return SetupContext{s, store, prompts, [&main] { main.ViewRefresh(false); },
-                      [&main] { return main.action(QStringLiteral("mnuFileRecord"))->isChecked(); }};
+  return SetupContext{s, store, prompts,
+                      [&main] {
+                        main.ViewRefresh(false);
+                        main.RefreshToolbarMainMenu();  // undo of a filtering
+                      },
+                      [&main] { return main.action(QStringLiteral("mnuFileRecord"))->isChecked(); },
+                      main.recordingEdits() ? &main.recordingEdits()->history() : nullptr};
 }
 
 // One window of a kind: a second command brings the first forward.

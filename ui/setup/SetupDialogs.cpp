@@ -196,7 +196,7 @@ bool FrequencyTableDialog::Apply() {
   const GridApply result = probe ? ApplyProbeGrid(ctx_.s, ctx_.store, ctx_.prompts, model_, chkSave_->isChecked())
                                  : ApplyFilterGrid(ctx_.s, ctx_.store, ctx_.prompts, model_, chkSave_->isChecked());
   if (result != GridApply::Applied) return false;
-  if (!probe) views::FilterSamples(ctx_.s);
+  if (!probe) views::FilterSamples(ctx_.s, ctx_.history);
   showGrid();
   if (ctx_.viewRefresh) ctx_.viewRefresh();
   return true;

@@ -9,6 +9,7 @@
 #include "core/FrequencyTables.h"
 #include "core/Prompts.h"
 #include "core/Settings.h"
+#include "views/edit/EditHistory.h"
 
 #include <QDialog>
 
@@ -32,6 +33,7 @@ struct SetupContext {
   Prompts& prompts;
   std::function<void()> viewRefresh;
   std::function<bool()> recordChecked;  // the main menu's record item
+  views::EditHistory* history = nullptr;  // where filtering the samples can be undone
 };
 
 class SpectrumAnalyserDialog : public QDialog {

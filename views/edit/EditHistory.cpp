@@ -1,5 +1,7 @@
 #include "views/edit/EditHistory.h"
 
+#include "views/edit/CodePacking.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -56,10 +58,26 @@ void SwapBytes(int16_t* a, int16_t* b, size_t count) {
 
 size_t RowOffset(int row) { return static_cast<size_t>(row - 1) * SampleStore::kColumns; }
 
+// The channels as columns of the store, from 0.
+std::vector<size_t> StoreColumns(const std::vector<int>& channels) {
+  std::vector<size_t> columns;
+  for (int c : channels) columns.push_back(static_cast<size_t>(c - 1));
+  return columns;
+}
+
 }  // namespace
 
 void EditHistory::noteSaved(const AppState& s) {
   if (s.DataSaved) savedPosition_ = static_cast<long>(position_);
+}
+
+void EditHistory::pack(Step& step) {
+  if (step.packed) return;
+  std::vector<size_t> columns(step.channels.size());
+  std::iota(columns.begin(), columns.end(), size_t{0});
+  step.columns = PackColumns(step.codes.data(), step.rows(), columns.size(), columns);
+  std::vector<int16_t>().swap(step.codes);
+  step.packed = true;
 }
 
 void EditHistory::begin(const AppState& s, int firstRow, int lastRow, std::vector<int> channels) {
@@ -68,17 +86,23 @@ void EditHistory::begin(const AppState& s, int firstRow, int lastRow, std::vecto
   // What redo could bring back is gone once the recording takes another road.
   steps_.erase(steps_.begin() + static_cast<long>(position_), steps_.end());
   if (savedPosition_ > static_cast<long>(position_)) savedPosition_ = -1;
+  // A large step kept unpacked for a quick undo is no longer the newest.
+  for (Step& older : steps_) pack(older);
   Step step;
   step.firstRow = std::clamp(firstRow, 1, kMaxSamples);
   step.lastRow = std::clamp(lastRow, step.firstRow - 1, kMaxSamples);
   step.channels = std::move(channels);
   step.values = EditValues::Of(s);
-  const auto rows = static_cast<size_t>(step.lastRow - step.firstRow + 1);
+  const size_t rows = step.rows();
   const size_t width = step.channels.size();
-  step.codes.resize(rows * width);
-  if (AllChannels(step.channels)) {
-    std::memcpy(step.codes.data(), s.SignalData.data() + RowOffset(step.firstRow), step.codes.size() * sizeof(int16_t));
+  const int16_t* store = s.SignalData.data() + RowOffset(step.firstRow);
+  if (rows * width <= kUnpackedStepCodes) {
+    step.packed = true;
+    step.columns = PackColumns(store, rows, SampleStore::kColumns, StoreColumns(step.channels));
+  } else if (AllChannels(step.channels)) {
+    step.codes.assign(store, store + rows * width);
   } else {
+    step.codes.resize(rows * width);
     for (size_t r = 0; r < rows; ++r)
       for (size_t k = 0; k < width; ++k)
         step.codes[r * width + k] = s.SignalData.at(step.firstRow + static_cast<int>(r), step.channels[k]);
@@ -116,9 +140,15 @@ bool EditHistory::canUndo(const AppState& s) const { return matches(s) && positi
 bool EditHistory::canRedo(const AppState& s) const { return matches(s) && position_ < steps_.size(); }
 
 void EditHistory::swapWithState(Step& step, AppState& s) {
-  const auto rows = static_cast<size_t>(step.lastRow - step.firstRow + 1);
+  const size_t rows = step.rows();
   const size_t width = step.channels.size();
-  if (AllChannels(step.channels)) {
+  if (step.packed) {
+    int16_t* store = s.SignalData.data() + RowOffset(step.firstRow);
+    const std::vector<size_t> columns = StoreColumns(step.channels);
+    std::vector<std::vector<uint8_t>> present = PackColumns(store, rows, SampleStore::kColumns, columns);
+    UnpackColumns(step.columns, store, rows, SampleStore::kColumns, columns);
+    step.columns = std::move(present);
+  } else if (AllChannels(step.channels)) {
     SwapBytes(step.codes.data(), s.SignalData.data() + RowOffset(step.firstRow), rows * width);
   } else {
     for (size_t r = 0; r < rows; ++r)
@@ -161,7 +191,11 @@ void EditHistory::clear() {
 
 size_t EditHistory::codeBytes() const {
   return std::accumulate(steps_.begin(), steps_.end(), size_t{0},
-                         [](size_t sum, const Step& st) { return sum + st.codes.capacity() * sizeof(int16_t); });
+                         [](size_t sum, const Step& st) {
+                           sum += st.codes.capacity() * sizeof(int16_t);
+                           for (const std::vector<uint8_t>& column : st.columns) sum += column.capacity();
+                           return sum;
+                         });
 }
 
 }  // namespace aqx::views

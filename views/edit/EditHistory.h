@@ -2,8 +2,13 @@
 // Undo and redo of the edits of a recording in memory. Each step keeps only
 // what its edit touches: a stretch of rows of the channels it changed, and
 // the handful of recording values an edit may change (rate, selection,
-// rotor values, the saved flag). Undo swaps the kept codes with those in the
-// store, so the same buffer then holds what redo puts back: no second copy.
+// rotor values, the saved flag). Undo exchanges the kept codes with those in
+// the store, so the step then holds what redo puts back.
+//
+// The codes are kept packed without loss (CodePacking.h), channel by
+// channel. A step of a large share of the store (a cut of every channel)
+// stays as it is while it is the newest, so that undoing it at once is one
+// exchange of memory; the next edit packs it.
 
 #include "core/AppState.h"
 
@@ -61,9 +66,17 @@ class EditHistory {
     int firstRow = 1;
     int lastRow = 0;
     std::vector<int> channels;
-    std::vector<int16_t> codes;  // rows x channels, row-major
+    bool packed = false;
+    std::vector<int16_t> codes;               // unpacked: rows x channels, row-major
+    std::vector<std::vector<uint8_t>> columns;  // packed: one per channel
     EditValues values;
+
+    size_t rows() const { return static_cast<size_t>(lastRow - firstRow + 1); }
   };
+  // Steps of more codes than this stay unpacked while they are the newest.
+  static constexpr size_t kUnpackedStepCodes = SampleStore::kElements / 4;
+
+  static void pack(Step& step);
   // Exchanges the kept codes and values with the state's.
   static void swapWithState(Step& step, AppState& s);
   // A save since the last look makes the present position the saved one.

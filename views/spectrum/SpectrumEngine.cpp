@@ -1,5 +1,7 @@
 #include "views/spectrum/SpectrumEngine.h"
 
+#include "views/edit/EditHistory.h"
+
 #include "core/FrequencyTables.h"
 #include "core/Numeric.h"
 #include "engine/Aquilonix.h"
@@ -65,7 +67,7 @@ std::vector<float> DecadeColumnMaxima(const double* amplitude, int lineCount, do
   return columns;
 }
 
-bool FilterSamples(AppState& s) {
+bool FilterSamples(AppState& s, EditHistory* history) {
   if (!FilterTableActive(s)) return false;
   // Four entries per channel in a row, and only the channels this
   // connection counts.
@@ -75,11 +77,22 @@ bool FilterSamples(AppState& s) {
     std::copy(s.channels.Filter[c].begin(), s.channels.Filter[c].end(), filter.begin() + (c - 1) * kFilterEntries);
     if (c > ChannelCount(s)) used[c] = 0;
   }
+  if (history) {
+    std::vector<int> channels;
+    for (int c = 1; c <= kMaxChannels; ++c)
+      if (used[c] == 1) channels.push_back(c);
+    history->begin(s, 1, s.SignalDataN, std::move(channels));
+  }
   AccountFilter(used.data(), filter.data(), nullptr, nullptr, s.SignalData.data(), s.SignalDataN,
                 RoundHalfEven(ChannelRateHz(s)), s.BlockSizeFFT);
-  // What was kept of the old samples (undo steps, scale extremes) is old now.
-  s.SignalData.markWritten();
   s.DataSaved = false;
+  // What was kept of the old samples (scale extremes, steps of a history
+  // this filtering is not in) is old now.
+  if (history) {
+    history->commit(s);
+  } else {
+    s.SignalData.markWritten();
+  }
   return true;
 }
 

@@ -11,6 +11,8 @@
 
 namespace aqx::views {
 
+class EditHistory;
+
 struct SpectrumOut {
   double* amplitude = nullptr;  // kSpectrumLines each; phase and real may be null
   double* phase = nullptr;
@@ -58,6 +60,7 @@ std::vector<float> DecadeColumnMaxima(const double* amplitude, int lineCount, do
 
 // Runs the filter table over the store when a channel in use has an entry;
 // the recording then counts as not saved. False when nothing was filtered.
-bool FilterSamples(AppState& s);
+// With a history the filtering is a step that can be undone.
+bool FilterSamples(AppState& s, EditHistory* history = nullptr);
 
 }  // namespace aqx::views
