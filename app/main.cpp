@@ -3,9 +3,11 @@
 // the program owns for its whole run.
 
 #include "core/AppState.h"
+#include "core/FftWisdomPath.h"
 #include "core/Settings.h"
 #include "core/Startup.h"
 #include "core/Vocabulary.h"
+#include "engine/Aquilonix.h"
 #include "files/FileReaders.h"
 #include "ui/main/MainWindow.h"
 #include "ui/common/QtPrompts.h"
@@ -13,6 +15,7 @@
 #include "ui/main/StartWindow.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
@@ -34,6 +37,9 @@ int main(int argc, char** argv) {
   QStringList words = QApplication::arguments();
   words.removeFirst();
   const QString commandLine = words.join(QLatin1Char(' '));
+
+  // Measured FFT plans where this machine has them (a missing file is normal).
+  LoadFftWisdom(QFile::encodeName(aqx::DefaultFftWisdomPath()).constData());
 
   auto state = std::make_unique<aqx::AppState>();
   aqx::IniSettingsStore store(aqx::DefaultSettingsPath());

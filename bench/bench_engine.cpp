@@ -2,7 +2,9 @@
 // run (bench/Compare.h prints process CPU and wall ratios):
 // - AccountSpectrFull of 2^20 and 2^17 rows against one in-place FFTW real
 //   transform of the same size, with the second core free and with it kept
-//   busy by a spinning process of the benchmark's own (busy:1);
+//   busy by a spinning process of the benchmark's own (busy:1), and against
+//   the read of the channel out of the store followed by that transform,
+//   the call with estimated plans and with measured ones (wisdom:1);
 // - AccountDataBuildSignal of 2^20 rows into 1920 columns against a plain
 //   strided min/max loop over the same memory;
 // - Otmetchick and AccountFilter with their time per sample (items/s).
@@ -72,40 +74,73 @@ class SpinningProcess {
   pid_t pid_ = -1;
 };
 
-void BM_SpectrumFullAgainstFftw(benchmark::State& state) {
-  const auto rows = static_cast<int32_t>(state.range(0));
-  const std::vector<int16_t>& store = Store();
-  std::vector<double> amplitude(AQX_SPECTRUM_LINES), phase(AQX_SPECTRUM_LINES), real(AQX_SPECTRUM_LINES);
+void CallSpectrumFull(int32_t rows, std::vector<double>& amplitude, std::vector<double>& phase,
+                      std::vector<double>& real) {
   std::array<float, 32> ku;
   ku.fill(1.25f);
   double step = 0;
   int32_t lines = 0, largest = 0;
+  AccountSpectrFull(nullptr, nullptr, phase.data(), real.data(), amplitude.data(), 0, 0, 1, rows, kRows, kRows,
+                    Store().data(), 1, nullptr, nullptr, 1, rows, &step, 2677, &lines, &largest, ku.data(), 0,
+                    nullptr, -1);
+}
+
+// Measured plans for the call (wisdom:1), made once into the working
+// directory (about a minute) and read from there on later runs.
+void LoadBenchWisdom() {
+  const char* path = "bench-fft-wisdom";
+  if (LoadFftWisdom(path) == 0 && MakeFftWisdom(path, kRows) == 1) LoadFftWisdom(path);
+}
+
+// The call against one transform of the same size, always the estimated
+// plan; with `gather`, the baseline first reads the channel out of the
+// store as the call must (each sample on a cache line of its own), the part
+// of the call no transform can save.
+void SpectrumFullRow(benchmark::State& state, bool gather) {
+  const auto rows = static_cast<int32_t>(state.range(0));
+  const std::vector<int16_t>& store = Store();
+  std::vector<double> amplitude(AQX_SPECTRUM_LINES), phase(AQX_SPECTRUM_LINES), real(AQX_SPECTRUM_LINES);
   double* data = fftw_alloc_real(2 * (static_cast<size_t>(rows) / 2 + 1));
   auto* out = reinterpret_cast<fftw_complex*>(data);
+  // FFTW_ESTIMATE takes wisdom held in memory: the baseline is planned
+  // without any.
+  LoadFftWisdom(nullptr);
   const fftw_plan plan = fftw_plan_dft_r2c_1d(rows, data, out, FFTW_ESTIMATE);
+  if (state.range(2) != 0) LoadBenchWisdom();
   for (int32_t i = 0; i < rows; ++i) data[i] = store[static_cast<size_t>(i) * kColumns];
   // Both sides warm: the plan and work memory of the call are made once.
-  AccountSpectrFull(nullptr, nullptr, phase.data(), real.data(), amplitude.data(), 0, 0, 1, rows, kRows, kRows,
-                    store.data(), 1, nullptr, nullptr, 1, rows, &step, 2677, &lines, &largest, ku.data(), 0, nullptr, -1);
+  CallSpectrumFull(rows, amplitude, phase, real);
   const SpinningProcess busy(state.range(1) != 0);
   aqx::bench::Compare(
       state,
       [&] {
-        AccountSpectrFull(nullptr, nullptr, phase.data(), real.data(), amplitude.data(), 0, 0, 1, rows, kRows, kRows,
-                          store.data(), 1, nullptr, nullptr, 1, rows, &step, 2677, &lines, &largest, ku.data(), 0,
-                          nullptr, -1);
+        CallSpectrumFull(rows, amplitude, phase, real);
         benchmark::DoNotOptimize(amplitude[100]);
       },
       [&] {
+        if (gather) {
+          for (int32_t i = 0; i < rows; ++i) data[i] = store[static_cast<size_t>(i) * kColumns];
+        }
         fftw_execute(plan);
         benchmark::DoNotOptimize(out[1][0]);
       });
   fftw_destroy_plan(plan);
   fftw_free(data);
+  LoadFftWisdom(nullptr);
 }
+
+void BM_SpectrumFullAgainstFftw(benchmark::State& state) { SpectrumFullRow(state, false); }
 BENCHMARK(BM_SpectrumFullAgainstFftw)
-    ->ArgsProduct({{1 << 20, 1 << 17}, {0, 1}})
-    ->ArgNames({"rows", "busy"})
+    ->ArgsProduct({{1 << 20, 1 << 17}, {0, 1}, {0, 1}})
+    ->ArgNames({"rows", "busy", "wisdom"})
+    ->Iterations(41)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+void BM_SpectrumFullAgainstGatherAndFftw(benchmark::State& state) { SpectrumFullRow(state, true); }
+BENCHMARK(BM_SpectrumFullAgainstGatherAndFftw)
+    ->ArgsProduct({{1 << 20, 1 << 17}, {0, 1}, {0, 1}})
+    ->ArgNames({"rows", "busy", "wisdom"})
     ->Iterations(41)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);

@@ -370,6 +370,16 @@ AQX_API void FillBpfWindow(int16_t* SignalData, int32_t SignalDataN, int32_t win
 AQX_API void IntegralSpectr(double* SpectrAmplitude, int32_t SpectrLineCount, double StepDesc,
                             int32_t* SpectrMax);
 
+/* Measured FFT plans kept in a file (FFTW wisdom). LoadFftWisdom reads
+ * one: transforms planned afterwards take a measured plan where the file
+ * holds one for their size, the rest the estimated plan (1; 0 when the file
+ * cannot be read). A null path forgets what was read: estimated plans again. MakeFftWisdom measures the real transforms of every power
+ * of two from 16 to largestSize (up to AQX_SIGNAL_ROWS; about a minute in
+ * all) and writes them to the file through a temporary (1; 0 on failure).
+ * Results agree with the estimated plans' to rounding. */
+AQX_API int32_t LoadFftWisdom(const char* path);
+AQX_API int32_t MakeFftWisdom(const char* path, int32_t largestSize);
+
 /* Reads the spectrum of AccountSpectrFull at 8 frequencies: entry 0 at
  * FreqOneGarmonic, entries 1..7 at the probe table of FirstChannelActive
  * (from 1). Amplitude (peak-to-peak, rounded) and phase (degrees 0..359,

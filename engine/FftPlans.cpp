@@ -1,6 +1,8 @@
 #include "engine/FftPlans.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <string>
 #include <list>
 #include <map>
 #include <mutex>
@@ -112,6 +114,52 @@ std::shared_ptr<const FftPlan> PlanFor(FftKind kind, int32_t size) {
     g_fft.useOrder.pop_back();
   }
   return plan;
+}
+
+bool ImportFftWisdom(const char* path) {
+  std::map<std::pair<FftKind, int32_t>, std::shared_ptr<const FftPlan>> dropped;
+  {
+    std::lock_guard<std::mutex> cacheLock(g_fft.cacheMutex);
+    {
+      std::lock_guard<std::mutex> plannerLock(g_fft.plannerMutex);
+      if (path == nullptr) {
+        fftw_forget_wisdom();
+      } else if (fftw_import_wisdom_from_filename(path) == 0) {
+        return false;
+      }
+    }
+    dropped.swap(g_fft.plans);
+    g_fft.useOrder.clear();
+  }
+  // The dropped plans are destroyed here, outside the cache's lock (their
+  // destructor takes the planner's).
+  return true;
+}
+
+bool MeasureFftWisdom(const char* path, int32_t largestSize) {
+  if (path == nullptr) return false;
+  for (int32_t size = 16; size <= largestSize && size > 0; size *= 2) {
+    // Each size under the lock on its own, so that other threads' plans
+    // wait for one measurement at most.
+    std::lock_guard<std::mutex> lock(g_fft.plannerMutex);
+    WorkBuffer probe(RealTransformDoubles(size));
+    if (probe.data() == nullptr) return false;
+    fftw_plan plan = fftw_plan_dft_r2c_1d(size, probe.data(), reinterpret_cast<fftw_complex*>(probe.data()),
+                                          FFTW_MEASURE);
+    if (plan == nullptr) return false;
+    fftw_destroy_plan(plan);
+  }
+  const std::string temporary = std::string(path) + ".part";
+  std::lock_guard<std::mutex> lock(g_fft.plannerMutex);
+  if (fftw_export_wisdom_to_filename(temporary.c_str()) == 0) {
+    std::remove(temporary.c_str());
+    return false;
+  }
+  if (std::rename(temporary.c_str(), path) != 0) {
+    std::remove(temporary.c_str());
+    return false;
+  }
+  return true;
 }
 
 WorkBuffer::WorkBuffer(size_t doubles) : doubles_(std::max<size_t>(doubles, 2)) {

@@ -131,6 +131,12 @@ extern "C" void AccountSpectrFull(double* /*SpectrRe*/, double* /*SpectrIm*/, do
   if (SpectrMax) *SpectrMax = RoundToInt32(summary->largest);
 }
 
+extern "C" int32_t LoadFftWisdom(const char* path) { return ImportFftWisdom(path) ? 1 : 0; }
+
+extern "C" int32_t MakeFftWisdom(const char* path, int32_t largestSize) {
+  return MeasureFftWisdom(path, std::min(largestSize, kRows)) ? 1 : 0;
+}
+
 extern "C" void IntegralSpectr(double* SpectrAmplitude, int32_t SpectrLineCount, double StepDesc,
                                int32_t* SpectrMax) {
   if (SpectrAmplitude == nullptr || !(StepDesc > 0.0) || !std::isfinite(StepDesc)) return;

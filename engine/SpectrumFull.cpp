@@ -215,7 +215,7 @@ std::optional<SpectrumSummary> ComputeSpectrum(std::span<const int16_t> store, c
   summary.blockLength = L;
   summary.lines = blocks.lines;
   summary.stepHz = r.sampleHz / L;
-  summary.largest = *std::max_element(out.amplitude.begin(), out.amplitude.begin() + blocks.lines);
+  summary.largest = LargestOf(out.amplitude.data(), blocks.lines);
   return summary;
 }
 

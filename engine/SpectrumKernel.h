@@ -22,4 +22,7 @@ void WindowedLines(const double* x, int32_t first, int32_t last, const double* r
 void AccumulateLines(const double* x, int32_t first, int32_t last, const double* rotation,
                      double* magnitudes, double* sums);
 
+// The largest of count values (0 for none), in lanes that vectorise.
+double LargestOf(const double* values, int32_t count);
+
 }  // namespace aqx::engine

@@ -14,6 +14,7 @@ const ToolCommand kCommands[] = {
     {"export-wav", "export-wav IN OUT.wav         recorded channels of any readable file as WAVE", RunExportWav},
     {"config", "config list|save|restore|rename|delete  named configurations of the settings", RunConfig},
     {"demo", "demo OUT.aqx [--seconds S]   demonstration recording of the virtual module", RunDemo},
+    {"fft-wisdom", "fft-wisdom [OUT] [--largest N]  measured FFT plans up to N points (2^20), read by the program at start", RunFftWisdom},
     {"spectrum", "spectrum FILE --channel C [--first A --last B] [--json] [--csv OUT]  what the spectrum window shows", RunSpectrum},
     {"rotor-form", "rotor-form FILE [--channel C] [--json]  rotor form: pole by pole EMF of every revolution and their average", RunRotorForm},
     {"edit", "edit IN OUT.aqx cut|smooth|zero|copy-to ROW|shift ANGLE|reaccount [--channel C --first A --last B]  "

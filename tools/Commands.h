@@ -14,6 +14,7 @@ int RunConvert(ToolContext& ctx);
 int RunExportWav(ToolContext& ctx);
 int RunConfig(ToolContext& ctx);
 int RunDemo(ToolContext& ctx);
+int RunFftWisdom(ToolContext& ctx);
 int RunRecord(ToolContext& ctx);
 int RunProtocol(ToolContext& ctx);
 int RunProtocolMaster(ToolContext& ctx);

@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <string>
 #include <thread>
+#include <utility>
 
 using namespace aqx::test;
 
@@ -215,5 +218,39 @@ TEST(EngineSpectrum, LinesOfALongStretchKeepTheirPhaseInBothHalves) {
     EXPECT_NEAR(AngleDifference(s.phase[256 * perHz], 100 - 360.0 * 256 * 100 / kSampleHz), 0, 1);
     EXPECT_NEAR(s.amplitude[300 * perHz], 1000, 10);
     EXPECT_NEAR(AngleDifference(s.phase[300 * perHz], 60 - 360.0 * 300 * 100 / kSampleHz), 0, 1);
+  }
+}
+
+// Measured plans change the order of the transform's arithmetic and nothing
+// more: a sine with an impulse, single-block and averaged, gives the same
+// lines to rounding. The wisdom is kept in a temporary file, and forgotten
+// after, so that other tests plan as before.
+TEST(EngineSpectrum, MeasuredPlansGiveTheEstimatedPlansLines) {
+  Store store(kRowsUsed);
+  store.fill(1, kRowsUsed, [](int32_t row) { return Sine(row, 50.05, 6000, 45) + (row == 2000 ? 3000 : 0); });
+  Request averaged;
+  averaged.block = 2048;
+  averaged.marks = {777};
+  const Spectrum single = Analyse(store, {});
+  const Spectrum blocks = Analyse(store, averaged);
+  const std::string path = ::testing::TempDir() + "aqx-fft-wisdom";
+  EXPECT_EQ(LoadFftWisdom((path + ".missing").c_str()), 0);
+  ASSERT_EQ(MakeFftWisdom(path.c_str(), kRowsUsed), 1);
+  ASSERT_EQ(LoadFftWisdom(path.c_str()), 1);
+  const Spectrum measuredSingle = Analyse(store, {});
+  const Spectrum measuredBlocks = Analyse(store, averaged);
+  LoadFftWisdom(nullptr);
+  std::remove(path.c_str());
+  for (const auto& [estimated, measured] : {std::pair{&single, &measuredSingle}, std::pair{&blocks, &measuredBlocks}}) {
+    ASSERT_EQ(measured->lines, estimated->lines);
+    const double tolerance = 1e-9 * estimated->largest;
+    for (int32_t k = 0; k < estimated->lines; ++k) {
+      ASSERT_NEAR(measured->amplitude[k], estimated->amplitude[k], tolerance) << k;
+      ASSERT_NEAR(measured->real[k], estimated->real[k], tolerance) << k;
+      // A phase is worth comparing where the line stands above rounding.
+      if (estimated->amplitude[k] > 1e-3 * estimated->largest) {
+        ASSERT_NEAR(AngleDifference(measured->phase[k], estimated->phase[k]), 0, 1e-9 * 360) << k;
+      }
+    }
   }
 }
