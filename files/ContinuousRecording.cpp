@@ -2,11 +2,13 @@
 
 #include "core/EngineErrors.h"
 #include "core/Numeric.h"
+#include "core/RecordSetup.h"
 #include "core/VirtualUnit.h"
 #include "engine/Aquilonix.h"
 #include "files/DataFile.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -66,10 +68,25 @@ bool PollContinuousRecording(AppState& s) {
   return EndRDTF() != 0;
 }
 
+namespace {
+
+// The library's number and text; when the disk has no room left for another
+// second of rows, also that it is full and what the file keeps.
+void TellRecordingFailure(const AppState& s, Prompts& p, int32_t number) {
+  QString text = EngineErrorText(number);
+  const DiskSpace disk = DiskSpaceOf(QFileInfo(s.PathFileData).absolutePath());
+  if (disk.known && disk.freeBytes < 2.0 * s.FreqADC)
+    text += QStringLiteral("\nДиск заполнен, запись остановлена. В файле сохранено всё, что записано до этого:\n%1\n%2")
+                .arg(QDir::toNativeSeparators(s.PathFileData), FormatFileSize(InformationFileData()));
+  p.message(text, QStringLiteral("Aquilonix"), PromptButtons::Ok, PromptIcon::Critical);
+}
+
+}  // namespace
+
 bool StopContinuousRecording(AppState& s, Prompts& p) {
   const int32_t stopped = StopRDTF();
   // A thread that failed (a full disk) has still left whole rows behind.
-  if (stopped != 0) ShowEngineError(p, stopped);
+  if (stopped != 0) TellRecordingFailure(s, p, stopped);
   s.FreqDesc = s.FreqDescR;
   // The module's tag belongs in the header; the rows behind it stay.
   const bool headerWritten = WriteFileHeader(s, s.PathFileData, p);

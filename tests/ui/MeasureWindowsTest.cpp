@@ -15,6 +15,8 @@
 #include "ui/acquisition/SetupRecWindow.h"
 #include "ui/acquisition/ShaftMarkerWindows.h"
 #include "ui/acquisition/StatusFileWindow.h"
+#include "ui/main/Workspace.h"
+#include "ui/signal/SignalWindow.h"
 #include "views/signal/SignalEngine.h"
 
 #include <QAction>
@@ -22,6 +24,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -29,6 +32,7 @@
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QTabWidget>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
@@ -153,6 +157,56 @@ TEST(MeasureWindows, AContinuousRunRecordsAFileThatOpensWithItsBlocks) {
   EXPECT_FALSE(run->running());
   EXPECT_TRUE(w.prompts.lastMessage().startsWith(QStringLiteral("Имеется файл:\n")));
   EXPECT_EQ(QFileInfo(path).size(), size);
+}
+
+TEST(MeasureWindows, TheLiveViewShowsTheNewestRowsAtTheUsersZoom) {
+  Workbench w;
+  UseContinuous(w, 4, 100000);
+  QAction* record = w.window->action(QStringLiteral("mnuFileRecord"));
+  record->trigger();
+  ui::MeasurementRun* run = w.window->measurementRun();
+  ASSERT_TRUE(run->running());
+  ui::SignalWindow* view = w.window->signalWindow();
+  ASSERT_NE(view, nullptr);
+  const AppState& s = *w.state;
+  PumpFor(2500);
+  // The caption tells the run and its file.
+  EXPECT_TRUE(w.window->windowTitle().startsWith(ui::UpdateRecordTitle() + QStringLiteral(" - идет запись: live.aqx (")))
+      << w.window->windowTitle().toStdString();
+  // About two seconds of rows at most, however long the run has gone.
+  const int width = s.ViewLast - s.ViewFirst + 1;
+  EXPECT_GE(width, 4096);
+  EXPECT_LE(width, 2 * s.FreqDescR);
+  EXPECT_GT(s.ViewFirst, 1);
+  const int32_t followed = s.ViewLast;
+  PumpFor(300);
+  EXPECT_GT(s.ViewLast, followed);
+  EXPECT_EQ(s.ViewLast - s.ViewFirst + 1, width);
+  // A pan back holds the user's stretch; a pan to the end follows again.
+  QKeyEvent left(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier);
+  QCoreApplication::sendEvent(view, &left);
+  const int32_t held = s.ViewLast;
+  PumpFor(300);
+  EXPECT_EQ(s.ViewLast, held);
+  QKeyEvent end(QEvent::KeyPress, Qt::Key_End, Qt::NoModifier);
+  QCoreApplication::sendEvent(view, &end);
+  PumpFor(300);
+  EXPECT_GT(s.ViewLast, held);
+  EXPECT_EQ(s.ViewLast - s.ViewFirst + 1, width);
+  // A zoom keeps following, at the new width.
+  const QPointF at(view->width() / 2.0, view->height() / 2.0);
+  QWheelEvent out(at, view->mapToGlobal(at), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+                  Qt::NoScrollPhase, false);
+  QCoreApplication::sendEvent(view, &out);
+  PumpFor(100);
+  const int32_t zoomed = s.ViewLast;
+  EXPECT_EQ(s.ViewLast - s.ViewFirst + 1, 2 * width);
+  PumpFor(300);
+  EXPECT_GT(s.ViewLast, zoomed);
+  record->trigger();
+  run->tick();
+  EXPECT_FALSE(run->running());
+  EXPECT_EQ(w.window->windowTitle(), ui::UpdateRecordTitle());
 }
 
 TEST(MeasureWindows, ARecordingThatFailsInItsThreadEndsByItselfWithAReadableFile) {

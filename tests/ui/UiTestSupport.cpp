@@ -3,9 +3,36 @@
 #include "core/Startup.h"
 #include "files/DataFile.h"
 
+#include <QFile>
+
 #include <cmath>
+#include <vector>
 
 namespace aqx::uitest {
+
+namespace {
+// The counters wrap to 14 bits as the module's codes do.
+int16_t CounterCode(int64_t n) { return static_cast<int16_t>(((n % 16384) + 16384 + 8192) % 16384 - 8192); }
+}  // namespace
+
+CounterRows CheckCounterRows(const QString& path, int64_t headerBytes, int channels) {
+  CounterRows check;
+  QFile file(path);
+  if (channels < 2 || !file.open(QIODevice::ReadOnly) || !file.seek(headerBytes)) return check;
+  std::vector<int16_t> rows(static_cast<size_t>(65536) * static_cast<size_t>(channels));
+  const qint64 rowBytes = 2 * channels;
+  for (;;) {
+    const qint64 got = file.read(reinterpret_cast<char*>(rows.data()), static_cast<qint64>(rows.size() * 2));
+    if (got <= 0) break;
+    check.tornRow = got % rowBytes != 0;
+    for (qint64 i = 0; i < got / rowBytes; ++i, ++check.rows) {
+      const int16_t* row = rows.data() + i * channels;
+      if (check.firstWrongRow < 0 && (row[0] != CounterCode(check.rows) || row[1] != CounterCode(check.rows / 16384)))
+        check.firstWrongRow = check.rows;
+    }
+  }
+  return check;
+}
 
 void FillRecording(AppState& s, int samples, int channels) {
   samples = std::clamp(samples, 1, kMaxSamples);

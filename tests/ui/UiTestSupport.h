@@ -24,6 +24,16 @@ void FillRecording(AppState& s, int samples, int channels = 4);
 // The same written to a data file; returns false if it could not be written.
 bool WriteRecording(const QString& path, int samples, int channels = 4);
 
+// The rows behind the header of a file recorded from the virtual module with
+// its row counters on channels 1 and 2 ("counter,counterhigh,..."): how many
+// whole rows, and the first that is not the counters' (-1 when all are).
+struct CounterRows {
+  int64_t rows = 0;
+  int64_t firstWrongRow = -1;
+  bool tornRow = false;  // bytes of a row cut short at the end
+};
+CounterRows CheckCounterRows(const QString& path, int64_t headerBytes, int channels);
+
 struct Workbench {
   Workbench();
   ~Workbench();

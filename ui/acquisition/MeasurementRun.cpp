@@ -89,6 +89,8 @@ void MeasurementRun::press() {
   if (QSystemTrayIcon::isSystemTrayAvailable()) tray_->show();
   timerIcon_->start();
   timer1_->start();
+  if (hooks_.showRunState) hooks_.showRunState();
+  runStateShown_.start();
 }
 
 bool MeasurementRun::startCyclic() {
@@ -134,23 +136,50 @@ bool MeasurementRun::startContinuous() {
   // The views follow the newest rows of the block being written.
   s_.ViewFirst = liveFirst_ = 1;
   s_.ViewLast = liveLast_ = 1;
+  following_ = liveStart_ = true;
+  liveBlock_ = 0;
   s_.DataSaved = true;
   if (hooks_.statusFile) hooks_.statusFile(true);
   return true;
 }
 
-void MeasurementRun::followNewestRows() {
+namespace {
+// The live stretch at the start of a continuous run: about two seconds.
+int32_t LiveStartRows(const AppState& s) { return std::clamp(2 * s.FreqDescR, 4096, kMaxSamples); }
+}  // namespace
+
+void MeasurementRun::followNewestRows(double fileBytes) {
   const int used = std::max(s_.ChannelUsedCount, 1);
-  const double dataBytes = InformationFileData() - s_.SolidDataStart;
+  const double dataBytes = fileBytes - s_.SolidDataStart;
   const auto fileRows = static_cast<int64_t>(std::max(0.0, dataBytes) / (2.0 * used));
   const int64_t blockStart = static_cast<int64_t>(std::max(s_.SolidBlockN, 1) - 1) * kMaxSamples;
   const auto rowsInBlock = static_cast<int32_t>(std::clamp<int64_t>(fileRows - blockStart, 1, kMaxSamples));
-  // The views take the rows of the block written so far, as a cyclic run
-  // fills its cycle; once the user zooms or pans, his stretch stays.
-  if (s_.ViewFirst == liveFirst_ && s_.ViewLast == liveLast_) {
-    s_.ViewFirst = liveFirst_ = 1;
-    s_.ViewLast = liveLast_ = rowsInBlock;
+  // The views show the newest rows, as wide as the user zooms; a pan back
+  // into the block holds his stretch until he pans to its end again or the
+  // next block begins. A stretch that stays as wide whatever the run's
+  // length keeps each refresh as quick at the tenth minute as at the first.
+  if (s_.ViewFirst != liveFirst_ || s_.ViewLast != liveLast_) {
+    const bool zoomed = s_.ViewLast - s_.ViewFirst + 1 != liveWidth_;
+    following_ = zoomed || s_.ViewLast >= rowsInBlock;
   }
+  if (s_.SolidBlockN != liveBlock_) following_ = true;
+  liveBlock_ = s_.SolidBlockN;
+  if (following_) {
+    const int32_t startRows = liveStart_ ? LiveStartRows(s_) : 0;
+    if (!hooks_.followNewestRow || !hooks_.followNewestRow(rowsInBlock, startRows)) {
+      // No signal view to zoom: the width the run started with.
+      const int32_t width = LiveStartRows(s_);
+      s_.ViewLast = std::max(rowsInBlock, width);
+      s_.ViewFirst = s_.ViewLast - width + 1;
+    }
+    liveWidth_ = s_.ViewLast - s_.ViewFirst + 1;
+    // Until the block holds as many rows as the stretch is wide, the rows
+    // past the newest are zeros, not signal: nothing is computed over them.
+    s_.ViewLast = std::clamp(rowsInBlock, s_.ViewFirst, s_.ViewLast);
+    liveStart_ = false;
+  }
+  liveFirst_ = s_.ViewFirst;
+  liveLast_ = s_.ViewLast;
   s_.RunRowsAcquired = rowsInBlock < kMaxSamples ? rowsInBlock : 0;
 }
 
@@ -160,13 +189,16 @@ void MeasurementRun::tick() {
     return;
   }
   if (continuous_) {
+    // The length before the copy: the copy holds at least these rows, where
+    // rows written after it would count rows the store does not have yet.
+    const double fileBytes = InformationFileData();
     if (PollContinuousRecording(s_)) {
       // The recording has ended by itself (a full disk, a failed module).
       requested_ = false;
       if (hooks_.refreshToolbars) hooks_.refreshToolbars();
     }
     s_.SignalData.markWritten();
-    followNewestRows();
+    followNewestRows(fileBytes);
   } else {
     CopySignalData(s_.SignalData.data());
     s_.SignalData.markWritten();
@@ -177,6 +209,10 @@ void MeasurementRun::tick() {
   checkWarnings();
   if (!requested_) finish();
   if (hooks_.viewRefresh) hooks_.viewRefresh();
+  if (hooks_.showRunState && (!running_ || runStateShown_.elapsed() >= 500)) {
+    hooks_.showRunState();
+    runStateShown_.restart();
+  }
 }
 
 void MeasurementRun::finish() {

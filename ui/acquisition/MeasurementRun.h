@@ -8,6 +8,7 @@
 #include "core/AppState.h"
 #include "core/Prompts.h"
 
+#include <QElapsedTimer>
 #include <QIcon>
 #include <QObject>
 #include <QStringList>
@@ -30,6 +31,13 @@ class MeasurementRun : public QObject {
     std::function<void(bool show)> statusFile;
     // Continuous mode, after the stop: the recorded file into the views.
     std::function<void(const QString& path)> openRecordedFile;
+    // Continuous mode: the signal view's stretch ends at the newest row
+    // (startRows > 0: at the widest zoom of at most that many rows first);
+    // false when no signal view is open.
+    std::function<bool(int32_t newestRow, int32_t startRows)> followNewestRow;
+    // The caption and the status bar: at the start, about twice a second
+    // during the run, and at its end.
+    std::function<void()> showRunState;
   };
 
   MeasurementRun(AppState& state, Prompts& prompts, Hooks hooks, QObject* parent = nullptr);
@@ -55,8 +63,9 @@ class MeasurementRun : public QObject {
  private:
   bool startContinuous();
   bool startCyclic();
-  // Continuous mode: the views follow the rows of the block written so far.
-  void followNewestRows();
+  // Continuous mode: the views follow the newest rows of the block, of the
+  // file's length before the copy.
+  void followNewestRows(double fileBytes);
   void checkWarnings();
   void finish();
   void blinkTray();
@@ -73,10 +82,16 @@ class MeasurementRun : public QObject {
   bool running_ = false;
   bool continuous_ = false;
   bool firstTick_ = false;
-  // Continuous mode: the stretch set last, to tell a zoom of the user's.
+  // Continuous mode: the stretch set last, to tell a zoom or a pan of the
+  // user's; whether the views follow the newest rows, and in which block.
   int32_t liveFirst_ = 0;
   int32_t liveLast_ = 0;
+  int32_t liveWidth_ = 0;  // as the zoom has it, before the rows are in
+  bool following_ = true;
+  bool liveStart_ = true;
+  int32_t liveBlock_ = 0;
   QStringList warnings_;
+  QElapsedTimer runStateShown_;
 };
 
 }  // namespace aqx::ui

@@ -3,6 +3,7 @@
 #include "core/Config.h"
 #include "core/ConfigWriters.h"
 #include "core/Startup.h"
+#include "engine/Aquilonix.h"
 #include "ui/common/Icons.h"
 #include "ui/acquisition/MeasurementRun.h"
 #include "ui/common/PanelBar.h"
@@ -141,6 +142,16 @@ MainWindow::MainWindow(AppState& state, SettingsStore& store, Prompts& prompts, 
   runHooks.viewRefresh = [this] { ViewRefresh(false); };
   runHooks.statusFile = [this](bool show) { measure_->showStatusFile(show); };
   runHooks.openRecordedFile = [this](const QString& path) { OpenFile(path); };
+  runHooks.followNewestRow = [this](int32_t newestRow, int32_t startRows) {
+    SignalWindow* w = signalWindow();
+    if (w) w->FollowNewestRow(newestRow, startRows);
+    return w != nullptr;
+  };
+  runHooks.showRunState = [this] {
+    setWindowTitle(RunRecordTitle(s_, run_->running(), run_->continuous(), InformationFileData()));
+    RefreshStatusBar();
+    OutPathFileDataToStatusBar();
+  };
   run_ = new MeasurementRun(s_, prompts_, std::move(runHooks), this);
   if (const QScreen* screen = QGuiApplication::primaryScreen()) {
     const QRect area = screen->availableGeometry();
@@ -345,8 +356,9 @@ void MainWindow::OutPathFileDataToStatusBar() {
   // The panel takes the width the others leave and shortens the path in
   // its middle to fit, whenever the frame changes size.
   // A run's cycle belongs to no file until it is saved.
-  const QString shown = s_.PathFileData.isEmpty() && !s_.DataSaved ? QStringLiteral("Новая запись (не сохранена)")
-                                                                   : QDir::toNativeSeparators(s_.PathFileData);
+  const QString shown = s_.PathFileData.isEmpty() && (!s_.DataSaved || measuring_)
+                            ? QStringLiteral("Новая запись (не сохранена)")
+                            : QDir::toNativeSeparators(s_.PathFileData);
   status_->setText(QStringLiteral("PathFileData"), shown);
   status_->setToolTipOf(QStringLiteral("PathFileData"), s_.PathFileData.isEmpty() ? shown : s_.PathFileData);
 }

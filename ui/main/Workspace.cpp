@@ -3,6 +3,7 @@
 #include "core/Numeric.h"
 
 #include <QDateTime>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +14,13 @@ QString UpdateRecordTitle() {
   return QStringLiteral("Aquilonix v%1.%2 (Комплекс наблюдения за гидроагрегатом)")
       .arg(AQX_VERSION_MAJOR)
       .arg(AQX_VERSION_MINOR);
+}
+
+QString RunRecordTitle(const AppState& s, bool measuring, bool continuous, double fileBytes) {
+  if (!measuring) return UpdateRecordTitle();
+  if (!continuous) return UpdateRecordTitle() + QStringLiteral(" - идет измерение");
+  return UpdateRecordTitle() + QStringLiteral(" - идет запись: %1 (%2)")
+                                   .arg(QFileInfo(s.PathFileData).fileName(), FormatFileSize(fileBytes));
 }
 
 ViewStyleDef ViewStyleDefinition(int style) {

@@ -17,6 +17,9 @@ namespace aqx::ui {
 
 // "Aquilonix v1.12 (Комплекс наблюдения за гидроагрегатом)".
 QString UpdateRecordTitle();
+// The caption during a run says so, and for a continuous recording names its
+// file with the length written so far; idle it is UpdateRecordTitle().
+QString RunRecordTitle(const AppState& s, bool measuring, bool continuous, double fileBytes);
 
 // ---------------------------------------------------------------------------
 // View styles (mnuViewStyle 0..7).

@@ -229,6 +229,16 @@ void SignalWindow::installRefresh(views::ViewRegistry& registry) {
   hooks.parameterBarWidthPx = [this] { return parameterBar_->width(); };
   hooks.controlsChanged = [this] { syncControls(); };
   views::InstallSignalView(registry, s_, v_, host_.analysis(), std::move(hooks));
+  // The band levels of the parameter bar are the dearest part of a live
+  // refresh: during a run they are computed four times a second, over the
+  // stretch in view then, rather than on every tick; no one reads faster.
+  if (!registry.runOn) {
+    parameterBarAge_.invalidate();
+  } else if (parameterBarAge_.isValid() && parameterBarAge_.elapsed() < 250) {
+    registry[views::RefreshStep::SignalStatusBarParameter] = nullptr;
+  } else {
+    parameterBarAge_.start();
+  }
 }
 
 void SignalWindow::showPicture(views::DrawList&& list) {
@@ -263,6 +273,11 @@ void SignalWindow::ResetValueElements() {
   v_.CentreSample = std::max(1, s_.SignalDataN / 2);
   views::SetMaxValueMas(s_, v_);
   views::ConfigSliderH(s_, v_);
+  syncControls();
+}
+
+void SignalWindow::FollowNewestRow(int newestRow, int startRows) {
+  views::FollowNewestRow(s_, v_, newestRow, startRows);
   syncControls();
 }
 

@@ -8,6 +8,7 @@
 #include "views/ViewRefresh.h"
 #include "views/parameters/SignalParameters.h"
 
+#include <QElapsedTimer>
 #include <QImage>
 #include <QWidget>
 
@@ -36,6 +37,9 @@ class SignalWindow : public QWidget {
   void OutStatusBarParameter();
   // OpenFile: a new recording resets the sample window.
   void ResetValueElements();
+  // A continuous run: the stretch ends at the newest row (startRows > 0:
+  // at the widest zoom of at most that many rows first).
+  void FollowNewestRow(int newestRow, int startRows);
   // The current channel changed: controls follow it.
   void RefreshElementsImposition();
   // Options changed outside (menu): relayout and redraw.
@@ -108,6 +112,8 @@ class SignalWindow : public QWidget {
   PanelBar* parameterBar_ = nullptr;
   bool syncing_ = false;
   bool initialised_ = false;
+  // During a run: since the parameter bar was last computed.
+  QElapsedTimer parameterBarAge_;
 };
 
 }  // namespace aqx::ui

@@ -73,6 +73,23 @@ SignalAction PanBy(AppState& s, SignalViewState& v, double pixels) {
   return HScrollChanged(s, v, std::clamp(position, v.timeScrollMin, v.timeScrollMax), true);
 }
 
+void FollowNewestRow(AppState& s, SignalViewState& v, int newestRow, int startRows) {
+  SetMaxValueMas(s, v);
+  const double n = SignalN(s);
+  if (startRows > 0) {
+    v.SliderH = 0;
+    while (v.SliderH < v.SliderHMax && std::ldexp(n, -v.SliderH) > startRows) ++v.SliderH;
+  }
+  const double visible = std::ldexp(n, -v.SliderH);
+  const double last = std::clamp(static_cast<double>(newestRow), visible, n);
+  // The scroll bar moves in steps: the step at or before the first row
+  // keeps the stretch from reaching past the newest row.
+  const int step = ScrollStepFor(static_cast<int>(n));
+  const double position = std::floor((last - visible + 1.0) / step);
+  v.CentreSample = RoundHalfEven(position * step + visible / 2.0 - 1.0);
+  ConfigSliderH(s, v);
+}
+
 void StartZoomBox(SignalViewState& v, double x) { v.ZoomBoxFrom = RoundHalfEven(std::max(0.0, x)); }
 
 void DragZoomBox(SignalViewState& v, double x) { v.ZoomBoxTo = RoundHalfEven(std::clamp(x, 0.0, static_cast<double>(v.widthPx))); }

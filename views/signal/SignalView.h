@@ -272,6 +272,12 @@ SignalAction ZoomBack(AppState& s, SignalViewState& v);
 SignalAction ShowAll(AppState& s, SignalViewState& v);
 // Moves the view by a number of pixels (positive: later in time).
 SignalAction PanBy(AppState& s, SignalViewState& v, double pixels);
+// A continuous recording: the stretch in view ends at newestRow, or begins at
+// the first row while fewer rows than its width are in, so that what each
+// refresh computes over it costs as much at the tenth minute of the run as
+// at the first second. startRows > 0: first the widest zoom whose stretch
+// holds at most that many rows.
+void FollowNewestRow(AppState& s, SignalViewState& v, int newestRow, int startRows);
 // The zoom box drawn with Ctrl held: start, drag, and on release the zoom to
 // its stretch. AppendZoomBox puts it over the picture.
 void StartZoomBox(SignalViewState& v, double x);
