@@ -165,8 +165,10 @@ TEST_F(AcquisitionTool, AContinuousRecordingStoppedByAFullDiskFailsButItsFileOpe
   const auto previous = std::signal(SIGXFSZ, SIG_IGN);
   const rlimit small{200000, old.rlim_max};
   setrlimit(RLIMIT_FSIZE, &small);
+  // The limit ends the run after about a second; the longer run asked for
+  // leaves room for a loaded machine that writes more slowly.
   const int rc = Run(RunRecord, {file, QStringLiteral("--mode"), QStringLiteral("solid"), QStringLiteral("--seconds"),
-                                 QStringLiteral("3")},
+                                 QStringLiteral("20")},
                      settings);
   setrlimit(RLIMIT_FSIZE, &old);
   std::signal(SIGXFSZ, previous);
