@@ -4,25 +4,12 @@
 // write as a data file and a read back.
 #include "fuzz/FuzzSupport.h"
 
-#include <cstdlib>
-
 #ifndef AQX_FUZZ_INPUT
 #error "AQX_FUZZ_INPUT names the input file, and with it the reader"
 #endif
 
-namespace {
-std::unique_ptr<aqx::fuzz::FuzzWorld> world;
-}
-
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  world = std::make_unique<aqx::fuzz::FuzzWorld>(argc, argv);
-  // Gone before Qt's own statics are, which outlive this pointer otherwise.
-  std::atexit([] { world.reset(); });
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  if (aqx::fuzz::OpenAndCheck(*world, QStringLiteral(AQX_FUZZ_INPUT), data, size))
-    aqx::fuzz::CheckDataFileRoundTrip(*world);
+  if (aqx::fuzz::OpenAndCheck(aqx::fuzz::World(), QStringLiteral(AQX_FUZZ_INPUT), data, size))
+    aqx::fuzz::CheckDataFileRoundTrip(aqx::fuzz::World());
   return 0;
 }

@@ -10,27 +10,20 @@
 
 #include <QDir>
 
-#include <cstdlib>
-
 namespace {
-std::unique_ptr<aqx::fuzz::FuzzWorld> world;
-// The settings as the program writes them for a fresh state.
+// The settings as the program writes them for a fresh state, made at the
+// first input (before any input changed the state).
 QByteArray settingsText;
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  world = std::make_unique<aqx::fuzz::FuzzWorld>(argc, argv);
-  // Gone before Qt's own statics are, which outlive this pointer otherwise.
-  std::atexit([] { world.reset(); });
-  aqx::MemorySettingsStore fresh;
-  aqx::SaveConfig(fresh, world->state());
-  settingsText = aqx::IniTextOf(fresh.tree());
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using aqx::fuzz::Expect;
-  const QString settingsPath = world->path(QStringLiteral("Aquilonix.conf"));
+  if (settingsText.isEmpty()) {
+    aqx::MemorySettingsStore fresh;
+    aqx::SaveConfig(fresh, aqx::fuzz::World().state());
+    settingsText = aqx::IniTextOf(fresh.tree());
+  }
+  const QString settingsPath = aqx::fuzz::World().path(QStringLiteral("Aquilonix.conf"));
   aqx::fuzz::FuzzWorld::writeFile(settingsPath, settingsText);
   const QString folder = aqx::ConfigsFolder(settingsPath);
   Expect(QDir().mkpath(folder), "configurations folder created");
@@ -40,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   aqx::IniSettingsStore store(settingsPath);
   const aqx::SettingsTree treeBefore = store.tree();
-  aqx::AppState& s = world->state();
+  aqx::AppState& s = aqx::fuzz::World().state();
   const uint64_t stateBefore = aqx::fuzz::StateDigest(s);
   aqx::ScriptedPrompts prompts;
   const aqx::ConfigResult result = aqx::ConfigOpenCommand(s, store, folder, name, prompts, {});

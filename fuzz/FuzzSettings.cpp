@@ -8,19 +8,6 @@
 #include "core/IniText.h"
 #include "core/Settings.h"
 
-#include <cstdlib>
-
-namespace {
-std::unique_ptr<aqx::fuzz::FuzzWorld> world;
-}
-
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  world = std::make_unique<aqx::fuzz::FuzzWorld>(argc, argv);
-  // Gone before Qt's own statics are, which outlive this pointer otherwise.
-  std::atexit([] { world.reset(); });
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using aqx::fuzz::Expect;
   const QByteArray text(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
@@ -29,13 +16,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Expect(again.wellFormed, "the program's own INI text is well formed");
   Expect(again.tree == parsed.tree, "the INI text of a tree reads back as the same tree");
 
-  const QString path = world->path(QStringLiteral("Aquilonix.conf"));
+  const QString path = aqx::fuzz::World().path(QStringLiteral("Aquilonix.conf"));
   aqx::fuzz::FuzzWorld::writeFile(path, text);
   aqx::IniSettingsStore store(path);
   Expect(!store.readWasIncomplete(), "a readable settings file is read whole");
   Expect(store.tree() == parsed.tree, "the store holds what the file says");
 
-  aqx::AppState& s = world->state();
+  aqx::AppState& s = aqx::fuzz::World().state();
   aqx::LoadConfigReg(s, store);
   aqx::fuzz::CheckRecordingLimits(s);
 

@@ -7,10 +7,8 @@
 #include "files/SolidFile.h"
 
 #include <array>
-#include <cstdlib>
 
 namespace {
-std::unique_ptr<aqx::fuzz::FuzzWorld> world;
 
 using aqx::SolidBlockCommand;
 constexpr std::array kWalk{SolidBlockCommand::Last, SolidBlockCommand::Previous, SolidBlockCommand::Min,
@@ -25,22 +23,15 @@ void CheckBlock(const aqx::AppState& s) {
 }
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  world = std::make_unique<aqx::fuzz::FuzzWorld>(argc, argv);
-  // Gone before Qt's own statics are, which outlive this pointer otherwise.
-  std::atexit([] { world.reset(); });
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using aqx::fuzz::Expect;
-  if (!aqx::fuzz::OpenAndCheck(*world, QStringLiteral("input.aqx"), data, size)) return 0;
-  aqx::AppState& s = world->state();
+  if (!aqx::fuzz::OpenAndCheck(aqx::fuzz::World(), QStringLiteral("input.aqx"), data, size)) return 0;
+  aqx::AppState& s = aqx::fuzz::World().state();
   if (!s.SolidMode) return 0;
   CheckBlock(s);
 
   // The header saved back: the file must read the same.
-  const QString copy = world->path(QStringLiteral("copy.aqx"));
+  const QString copy = aqx::fuzz::World().path(QStringLiteral("copy.aqx"));
   aqx::fuzz::FuzzWorld::writeFile(copy, QByteArray(reinterpret_cast<const char*>(data),
                                                    static_cast<qsizetype>(size)));
   s.PathFileData = copy;

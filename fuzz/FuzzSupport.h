@@ -63,6 +63,10 @@ class FuzzWorld {
   std::optional<uint64_t> digest_;
 };
 
+// The target's one world, made by LLVMFuzzerInitialize (FuzzMain.cpp, built
+// into every target) and gone before Qt's own statics are.
+FuzzWorld& World();
+
 // Writes the input to `fileName` in the scratch folder and opens it with the
 // reader its extension names. A refusal must have told the user and left
 // the state's digest as it was; an accepted file must keep the limits.
