@@ -286,5 +286,32 @@ TEST(CascadeBox, PartsFollowTheRecordAndMarkersShowAnEmptyFrame) {
   EXPECT_TRUE(std::holds_alternative<views::Rect>(marker.items[0]));
 }
 
+TEST(CascadeBox, FrequencyLabelsNeverOverprintOnANarrowBox) {
+  auto s = MakeState(8192);
+  SetTestOptions(*s);
+  for (int i = 1; i <= 8192; ++i)
+    s->SignalData.at(i, 1) = static_cast<int16_t>(std::lround(300.0 * std::sin(2 * std::numbers::pi * 100.0 * i / 2048.0)));
+  const views::FontMetrics fm;
+  const auto labelsAt = [&](int widthPx) {
+    views::CascadeViewState v;
+    v.widthPx = widthPx;
+    v.heightPx = 500;
+    views::PlaceCorner(v, 1.4, 1.9);
+    views::PrepareCascade(*s, v);
+    std::vector<views::Text> labels = ItemsOf<views::Text>(views::DrawCascade(*s, v));
+    std::erase_if(labels, [](const views::Text& t) { return t.anchor != views::TextAnchor::TopCenter; });
+    return labels;
+  };
+  const std::vector<views::Text> wide = labelsAt(3000);
+  EXPECT_EQ(wide.size(), views::SpectrGridLabels(views::SpectrGridN(s->options.config.ScaleSpectr)).size());
+  const std::vector<views::Text> narrow = labelsAt(500);
+  ASSERT_GE(narrow.size(), 3u);
+  EXPECT_LT(narrow.size(), wide.size());
+  EXPECT_EQ(narrow.front().utf8, wide.front().utf8);
+  for (size_t i = 1; i < narrow.size(); ++i)
+    EXPECT_LT(narrow[i - 1].x + fm.widthOf(narrow[i - 1].utf8) / 2, narrow[i].x - fm.widthOf(narrow[i].utf8) / 2)
+        << narrow[i].utf8;
+}
+
 }  // namespace
 }  // namespace aqx

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <string>
 #include <thread>
 
 namespace aqx::views {
@@ -35,11 +37,20 @@ void DrawBox(const AppState& s, const CascadeViewState& v, const CascadeBox& box
   list.add(Line{left, bottom, left + box.BoxW, bottom, pen});
   list.add(Line{left, bottom, left, bottom - box.BoxH, pen});
   const std::vector<int> labels = SpectrGridLabels(g);
+  // On a narrow box the crowded upper decades keep only the labels that do
+  // not run into the one before: labels never overprint. The view's font
+  // has digits about as wide as the default measure.
+  const FontMetrics fm;
+  const int gapPx = 4;
+  int labelledUpTo = std::numeric_limits<int>::min();
   for (int i = 1; i <= g; ++i) {
     const int x = left + RoundHalfEven(static_cast<double>(i) * box.BoxW / g);
     list.add(Line{x, bottom, x, bottom + 4, pen});
-    Text t{x, bottom + 5, QString::number(labels[static_cast<size_t>(i - 1)]).toStdString(), text, TextAnchor::TopCenter};
-    list.add(std::move(t));
+    std::string label = QString::number(labels[static_cast<size_t>(i - 1)]).toStdString();
+    const int halfPx = (fm.widthOf(label) + 1) / 2;
+    if (x - halfPx < labelledUpTo + gapPx) continue;
+    labelledUpTo = x + halfPx;
+    list.add(Text{x, bottom + 5, std::move(label), text, TextAnchor::TopCenter});
   }
   const double divisor = s.UnitDivisor != 0.0 ? s.UnitDivisor : 1.0;
   for (int j = 0; j <= 10; ++j) {
