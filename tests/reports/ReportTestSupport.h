@@ -14,6 +14,8 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <ctime>
+
 #include <gtest/gtest.h>
 
 #include <zip.h>
@@ -132,18 +134,23 @@ inline std::map<std::string, std::string> Unzip(const QString& path) {
   return entries;
 }
 
-// A zip file of the given entries, deflated, in the order given.
+// A zip file of the given entries, deflated, in the order given. Entries
+// carry one fixed date, so that the same entries zip to the same bytes
+// whenever they are zipped.
 inline bool Zip(const QString& path, const std::vector<std::pair<std::string, std::string>>& entries) {
+  constexpr time_t kEntryDate = 1767225600;  // 2026-01-01
   int error = 0;
   zip_t* archive = zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &error);
   if (!archive) return false;
   for (const auto& [name, data] : entries) {
     zip_source_t* source = zip_source_buffer(archive, data.data(), data.size(), 0);
-    if (!source || zip_file_add(archive, name.c_str(), source, ZIP_FL_ENC_UTF_8) < 0) {
+    const zip_int64_t index = source ? zip_file_add(archive, name.c_str(), source, ZIP_FL_ENC_UTF_8) : -1;
+    if (index < 0) {
       zip_source_free(source);
       zip_discard(archive);
       return false;
     }
+    zip_file_set_mtime(archive, static_cast<zip_uint64_t>(index), kEntryDate, 0);
   }
   return zip_close(archive) == 0;
 }
