@@ -63,7 +63,7 @@ void BM_AccountSpectrFull(benchmark::State& state) {
   auto s = Recording();
   auto r = std::make_unique<views::AnalysisResults>();
   for (auto _ : state) {
-    AccountSpectrFull(nullptr, nullptr, r->SpectrPhase.data(), r->SpectrReal.data(), r->SpectrAmplitude.data(), 0, 0, 1,
+    AccountSpectrFull(nullptr, nullptr, r->SpectrPhase.data(), nullptr, r->SpectrAmplitude.data(), 0, 0, 1,
                       kSamples, kMaxSamples, kSamples, s->SignalData.data(), 1, nullptr, nullptr, 1, s->BlockSizeFFT,
                       &s->StepDesc, s->FreqDesc, &s->SpectrLineCount, &r->SpectrMax, s->channels.Ku.data(), 0, nullptr, -1);
     benchmark::DoNotOptimize(r->SpectrAmplitude.data());

@@ -330,7 +330,8 @@ AQX_API void AccountSpectr(const double* SpectrRe, const double* SpectrIm,
  * SpectrMax = the largest amplitude, rounded. Fewer than 2 rows:
  * SpectrLineCount = 0, SpectrMax = 0, StepDesc unchanged. FreqDesc <= 0 counts
  * as 1. SpectrRe, SpectrIm, SignalOffset, Type and the last flag are not
- * read (may be null); SpectrPhase and SpectrReal may be null. */
+ * read (may be null); SpectrPhase and SpectrReal may be null, and what is
+ * null is not worked out. */
 AQX_API void AccountSpectrFull(double* SpectrRe, double* SpectrIm, double* SpectrPhase,
                                double* SpectrReal, double* SpectrAmplitude, int32_t SelectFirst,
                                int32_t SelectLast, int32_t ViewFirst, int32_t ViewLast,

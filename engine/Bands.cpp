@@ -113,13 +113,18 @@ extern "C" void AccountVolumeField(int32_t channel, const float* Ku, const int32
     pad = std::max(pad, ExtensionFor(cascades[b]));
   }
 
+  // The channel's codes as they are, and doubles only for the values
+  // predicted beyond its ends.
   const size_t total = static_cast<size_t>(n) + 2 * static_cast<size_t>(pad);
-  WorkBuffer record(total);
-  WorkBuffer forward(total * kLaneCount / 2);  // floats
-  if (record.data() == nullptr || forward.data() == nullptr) return;
-  double* mid = record.data() + pad;
-  ReadColumn(SignalData, rows.first, column, n, mid);
-  ExtendByPrediction(mid, n, pad, record.data());
+  std::vector<int16_t> codes(static_cast<size_t>(n));
+  ReadColumn(SignalData, rows.first, column, n, codes.data());
+  const auto edge = static_cast<size_t>(PredictionWindow(n));
+  const std::vector<double> head(codes.begin(), codes.begin() + static_cast<std::ptrdiff_t>(edge));
+  const std::vector<double> tail(codes.end() - static_cast<std::ptrdiff_t>(edge), codes.end());
+  std::vector<double> before(static_cast<size_t>(pad));
+  std::vector<double> after(static_cast<size_t>(pad));
+  PredictEdges(head, tail, pad, before.data(), after.data());
+  const LaneRecord record{before, codes, after};
 
   const std::vector<Piece> revolutions =
       Revolutions(rows, ShaftMarkCount, ShaftMarks, sampleHz, FreqRotorN);
@@ -143,8 +148,8 @@ extern "C" void AccountVolumeField(int32_t channel, const float* Ku, const int32
   runs.push_back({static_cast<size_t>(pad) + n, total, unused});
   std::vector<double> least((segments + 1) * kLaneCount);
   std::vector<double> largest((segments + 1) * kLaneCount);
-  FilterLanesZeroPhase(MakeLaneCascade(cascades), record.data(), total, reinterpret_cast<float*>(forward.data()),
-                       runs, static_cast<size_t>(pad), least.data(), largest.data());
+  FilterLanesZeroPhase(MakeLaneCascade(cascades), record, runs, static_cast<size_t>(pad), least.data(),
+                       largest.data());
 
   auto segment = [&](int32_t at) {
     return static_cast<size_t>(std::lower_bound(bounds.begin(), bounds.end(), at) - bounds.begin());

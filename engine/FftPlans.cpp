@@ -15,9 +15,13 @@ namespace {
 // Plans of a few dozen sizes cover the selections a user makes in a session;
 // the least recently used go when more are asked for.
 constexpr size_t kMaxPlans = 48;
-// Idle buffers kept for reuse, and the bytes they may hold together.
+// Idle buffers kept for reuse, and the bytes they may hold together. A
+// million-sample transform's 8 MiB goes back to the allocator at once: kept
+// idle it would add to every allocation made after it (a window's pictures
+// among them), and the allocator hands the same memory back to the next
+// transform without touching the system.
 constexpr size_t kMaxIdleBuffers = 8;
-constexpr size_t kMaxIdleBytes = size_t{192} << 20;
+constexpr size_t kMaxIdleBytes = size_t{4} << 20;
 
 // The C interface carries no context, so the plan cache and the buffer pool
 // are the library's one process-wide state, guarded by their own mutexes.

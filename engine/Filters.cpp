@@ -139,17 +139,26 @@ int32_t ExtensionFor(const Cascade& cascade) {
   return std::min(kMaxExtension, std::max(cascade.settleSamples, least));
 }
 
+int32_t PredictionWindow(int32_t count) { return std::clamp(count, 0, kPredictionWindow); }
+
+void PredictEdges(std::span<const double> head, std::span<const double> tail, int32_t pad, double* before,
+                  double* after) {
+  if (pad <= 0 || head.empty() || tail.empty()) return;
+  std::vector<double> window(tail.begin(), tail.end());
+  Predict(window, after, pad);
+  window.assign(head.rbegin(), head.rend());
+  std::vector<double> reversed(static_cast<size_t>(pad));
+  Predict(window, reversed.data(), pad);
+  std::reverse_copy(reversed.begin(), reversed.end(), before);
+}
+
 void ExtendByPrediction(const double* x, int32_t count, int32_t pad, double* extended) {
   double* mid = extended + pad;
   if (mid != x) std::copy(x, x + count, mid);
   if (pad <= 0 || count < 1) return;
-  const int32_t windowLength = std::min(count, kPredictionWindow);
-  std::vector<double> window(mid + count - windowLength, mid + count);
-  Predict(window, mid + count, pad);
-  window.assign(std::make_reverse_iterator(mid + windowLength), std::make_reverse_iterator(mid));
-  std::vector<double> before(static_cast<size_t>(pad));
-  Predict(window, before.data(), pad);
-  for (int32_t i = 0; i < pad; ++i) mid[-1 - i] = before[static_cast<size_t>(i)];
+  const auto windowLength = static_cast<size_t>(PredictionWindow(count));
+  const std::span<const double> record(mid, static_cast<size_t>(count));
+  PredictEdges(record.first(windowLength), record.last(windowLength), pad, extended, mid + count);
 }
 
 void FilterZeroPhase(const Cascade& cascade, double* x, int32_t count, std::vector<double>& work) {

@@ -80,17 +80,27 @@ __attribute__((always_inline)) inline void RunStages(Sections& s, Lanes& v) {
   }
 }
 
-AQX_CLONED_FOR_AVX2
-void ForwardPass(Sections& state, const double* record, size_t count, float* forward) {
+template <class T>
+__attribute__((always_inline)) inline void ForwardValues(Sections& state, const T* x, size_t count, float* forward) {
   Sections s = state;  // a local copy stays in registers
   for (size_t i = 0; i < count; ++i) {
-    const double x = record[i];
-    Lanes v = {x, x, x, x};
+    const auto value = static_cast<double>(x[i]);
+    Lanes v = {value, value, value, value};
     RunStages(s, v);
     const StoredLanes stored = __builtin_convertvector(v, StoredLanes);
     std::memcpy(forward + i * kLaneCount, &stored, sizeof stored);
   }
   state = s;
+}
+
+AQX_CLONED_FOR_AVX2
+void ForwardPass(Sections& state, const double* x, size_t count, float* forward) {
+  ForwardValues(state, x, count, forward);
+}
+
+AQX_CLONED_FOR_AVX2
+void ForwardPass(Sections& state, const int16_t* x, size_t count, float* forward) {
+  ForwardValues(state, x, count, forward);
 }
 
 // Takes the extremes of each run into its slot, keeping what the slot holds
@@ -127,6 +137,98 @@ std::array<double, kLaneCount> StoredAt(const float* forward, size_t i) {
   return out;
 }
 
+double ValueAt(const LaneRecord& r, size_t i) {
+  if (i < r.before.size()) return r.before[i];
+  i -= r.before.size();
+  if (i < r.codes.size()) return r.codes[i];
+  return r.after[i - r.codes.size()];
+}
+
+// The forward pass over record[begin, end), its values to forward[0..).
+void ForwardOver(Sections& s, const LaneRecord& r, size_t begin, size_t end, float* forward) {
+  const size_t codesAt = r.before.size();
+  const size_t afterAt = codesAt + r.codes.size();
+  if (begin < codesAt) {
+    const size_t hi = std::min(end, codesAt);
+    ForwardPass(s, r.before.data() + begin, hi - begin, forward);
+  }
+  if (begin < afterAt && end > codesAt) {
+    const size_t lo = std::max(begin, codesAt);
+    const size_t hi = std::min(end, afterAt);
+    ForwardPass(s, r.codes.data() + (lo - codesAt), hi - lo, forward + (lo - begin) * kLaneCount);
+  }
+  if (end > afterAt) {
+    const size_t lo = std::max(begin, afterAt);
+    ForwardPass(s, r.after.data() + (lo - afterAt), end - lo, forward + (lo - begin) * kLaneCount);
+  }
+}
+
+// Values of the record worked out per chunk: one pass from the start,
+// keeping only the state at the start of every chunk.
+constexpr size_t kChunkValues = size_t{1} << 14;
+
+class ForwardTrack {
+ public:
+  ForwardTrack(const LaneRecord& r, size_t begin, size_t end)
+      : record_(r), begin_(begin), end_(end), states_((end - begin + kChunkValues - 1) / kChunkValues) {}
+
+  // The pass from state s; `scratch` holds a chunk of values.
+  void run(Sections s, float* scratch) {
+    for (size_t k = 0; k < states_.size(); ++k) {
+      states_[k] = s;
+      ForwardOver(s, record_, chunkBegin(k), chunkEnd(k), scratch);
+    }
+    if (!states_.empty()) last_ = StoredAt(scratch, chunkEnd(states_.size() - 1) - chunkBegin(states_.size() - 1) - 1);
+  }
+  // The state the pass had at the track's start, the value it ended with.
+  const Sections& first() const { return states_.front(); }
+  const std::array<double, kLaneCount>& last() const { return last_; }
+
+  size_t chunkOf(size_t i) const { return (i - begin_) / kChunkValues; }
+  size_t chunkBegin(size_t k) const { return begin_ + k * kChunkValues; }
+  size_t chunkEnd(size_t k) const { return std::min(end_, chunkBegin(k) + kChunkValues); }
+  // The values of chunk k again, to scratch[0..).
+  void values(size_t k, float* scratch) const {
+    Sections s = states_[k];
+    ForwardOver(s, record_, chunkBegin(k), chunkEnd(k), scratch);
+  }
+
+ private:
+  const LaneRecord& record_;
+  size_t begin_;
+  size_t end_;
+  std::vector<Sections> states_;
+  std::array<double, kLaneCount> last_{};
+};
+
+// The backward pass over [begin, end) of a track, from state s, a chunk at a
+// time; the extremes of the runs (ascending, inside the track) to their slots.
+void BackwardOver(Sections& s, const ForwardTrack& track, size_t begin, size_t end,
+                  const std::vector<TrackedRun>& runs, float* scratch, double* least, double* largest) {
+  if (begin >= end) return;
+  std::vector<TrackedRun> local;
+  auto run = std::upper_bound(runs.begin(), runs.end(), end,
+                              [](size_t at, const TrackedRun& r) { return at <= r.begin; });
+  for (size_t k = track.chunkOf(end - 1) + 1; k-- > track.chunkOf(begin);) {
+    const size_t chunkStart = track.chunkBegin(k);
+    const size_t lo = std::max(begin, chunkStart);
+    const size_t hi = std::min(end, track.chunkEnd(k));
+    track.values(k, scratch);
+    local.clear();
+    // Runs come last first; those reaching below the chunk are kept for the next.
+    for (auto r = run; r != runs.begin();) {
+      --r;
+      if (r->end <= lo) break;
+      const size_t b = std::max(r->begin, lo);
+      const size_t e = std::min(r->end, hi);
+      if (b < e) local.push_back({b - chunkStart, e - chunkStart, r->slot});
+      if (r->begin >= lo) run = r;
+    }
+    std::reverse(local.begin(), local.end());
+    BackwardPass(s, scratch, local.data(), local.size(), least, largest);
+  }
+}
+
 // The runs inside [begin, end), cut at its edges.
 std::vector<TrackedRun> Clipped(const std::vector<TrackedRun>& runs, size_t begin, size_t end) {
   std::vector<TrackedRun> out;
@@ -148,9 +250,9 @@ struct Extremes {
 
 }  // namespace
 
-void FilterLanesZeroPhase(const LaneCascade& c, const double* record, size_t count, float* forward,
-                          const std::vector<TrackedRun>& runs, size_t settleCount, double* least,
-                          double* largest) {
+void FilterLanesZeroPhase(const LaneCascade& c, const LaneRecord& record, const std::vector<TrackedRun>& runs,
+                          size_t settleCount, double* least, double* largest) {
+  const size_t count = record.size();
   if (count == 0) return;
   size_t slots = 0;
   for (const TrackedRun& run : runs) slots = std::max(slots, run.slot + 1);
@@ -171,42 +273,49 @@ void FilterLanesZeroPhase(const LaneCascade& c, const double* record, size_t cou
   const size_t warm = 4 * std::max<size_t>(settleCount, 64);
   const size_t half = count / 2;
   if (count < kFilterSplitLeast || warm > count / 8) {
-    Sections s = settled(Broadcast(record[0]));
-    ForwardPass(s, record, count, forward);
-    s = settled(StoredAt(forward, count - 1));
-    BackwardPass(s, forward, runs.data(), runs.size(), least, largest);
+    std::vector<float> scratch(kChunkValues * kLaneCount);
+    ForwardTrack track(record, 0, count);
+    track.run(settled(Broadcast(ValueAt(record, 0))), scratch.data());
+    Sections s = settled(track.last());
+    BackwardOver(s, track, 0, count, runs, scratch.data(), least, largest);
     return;
   }
 
   // Everything the two threads need is allocated here, so that neither can
   // fail inside.
-  std::vector<float> discarded(warm * kLaneCount);
+  const size_t scratchValues = std::max(kChunkValues, warm);
+  std::vector<float> lowerScratch(scratchValues * kLaneCount);
+  std::vector<float> upperScratch(scratchValues * kLaneCount);
   const std::vector<TrackedRun> upper = Clipped(runs, half, count);
   const std::vector<TrackedRun> lower = Clipped(runs, 0, half);
+  ForwardTrack lowerTrack(record, 0, half);
+  ForwardTrack upperTrack(record, half, count);
   Extremes upperFound(slots);
   Extremes warming(1);
-  RunBoth(
-      [&] {
-        Sections s = settled(Broadcast(record[0]));
-        ForwardPass(s, record, half, forward);
-      },
-      [&] {
-        Sections s = settled(Broadcast(record[half - warm]));
-        ForwardPass(s, record + half - warm, warm, discarded.data());
-        ForwardPass(s, record + half, count - half, forward + half * kLaneCount);
-      });
+  RunBoth([&] { lowerTrack.run(settled(Broadcast(ValueAt(record, 0))), lowerScratch.data()); },
+          [&] {
+            Sections s = settled(Broadcast(ValueAt(record, half - warm)));
+            ForwardOver(s, record, half - warm, half, upperScratch.data());
+            upperTrack.run(s, upperScratch.data());
+          });
 
   RunBoth(
       [&] {
-        Sections s = settled(StoredAt(forward, count - 1));
-        BackwardPass(s, forward, upper.data(), upper.size(), upperFound.least.data(), upperFound.largest.data());
+        Sections s = settled(upperTrack.last());
+        BackwardOver(s, upperTrack, half, count, upper, upperScratch.data(), upperFound.least.data(),
+                     upperFound.largest.data());
       },
       [&] {
+        // The lower half's backward pass starts `warm` values into the upper
+        // half, on the upper half's forward values.
         const size_t start = std::min(count, half + warm);
-        Sections s = settled(StoredAt(forward, start - 1));
-        const TrackedRun warmRun{half, start, 0};
-        BackwardPass(s, forward, &warmRun, 1, warming.least.data(), warming.largest.data());
-        BackwardPass(s, forward, lower.data(), lower.size(), least, largest);
+        Sections s = upperTrack.first();
+        ForwardOver(s, record, half, start, lowerScratch.data());
+        s = settled(StoredAt(lowerScratch.data(), start - half - 1));
+        const std::vector<TrackedRun> warmRun = {{half, start, 0}};
+        BackwardOver(s, upperTrack, half, start, warmRun, lowerScratch.data(), warming.least.data(),
+                     warming.largest.data());
+        BackwardOver(s, lowerTrack, 0, half, lower, lowerScratch.data(), least, largest);
       });
   for (size_t i = 0; i < slots * kLaneCount; ++i) {
     least[i] = std::min(least[i], upperFound.least[i]);

@@ -7,6 +7,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <span>
 #include <vector>
 
 namespace aqx::engine {
@@ -33,13 +35,25 @@ struct TrackedRun {
   size_t slot = 0;
 };
 
-// Runs the cascades forward over record[0..count) (the same input in every
-// lane) and then backward, and leaves the extremes of the backward result over
+// The record the lanes run over: values predicted before the codes of the
+// channel, the codes, and values predicted after them.
+struct LaneRecord {
+  std::span<const double> before;
+  std::span<const int16_t> codes;
+  std::span<const double> after;
+  size_t size() const { return before.size() + codes.size() + after.size(); }
+};
+
+// Runs the cascades forward over the record (the same input in every lane)
+// and then backward, and leaves the extremes of the backward result over
 // each run in least[slot * kLaneCount + lane] and largest[...], for every slot
-// up to the highest one named. `forward` is scratch of kLaneCount * count.
-// settleCount: values after which a start of the cascades has died out.
-void FilterLanesZeroPhase(const LaneCascade& c, const double* record, size_t count, float* forward,
-                          const std::vector<TrackedRun>& runs, size_t settleCount, double* least,
-                          double* largest);
+// up to the highest one named. Runs are in ascending order and do not
+// overlap. settleCount: values after which a start of the cascades has died
+// out. The forward values are not kept: the backward pass has each piece of
+// them worked out again from the state the forward pass had at its start,
+// which gives the same values in a few hundred kilobytes instead of sixteen
+// bytes a sample.
+void FilterLanesZeroPhase(const LaneCascade& c, const LaneRecord& record, const std::vector<TrackedRun>& runs,
+                          size_t settleCount, double* least, double* largest);
 
 }  // namespace aqx::engine

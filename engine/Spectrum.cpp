@@ -109,19 +109,18 @@ extern "C" void AccountSpectrFull(double* /*SpectrRe*/, double* /*SpectrIm*/, do
   request.referenceRow = ReferenceRow(rows, ShaftMarkCount, ShaftMarks);
   request.sampleHz = static_cast<double>(std::max(FreqDesc, 1));
   const auto lines = static_cast<size_t>(SpectrumLineCount(request));
-  // The phase and in-phase part are worked out whether or not they are asked for.
+  // Only what is asked for is worked out; an in-phase part without the
+  // phase needs the phase on the way.
   WorkBuffer phaseScratch;
-  WorkBuffer realScratch;
-  if (lines > 0 && SpectrPhase == nullptr) phaseScratch = WorkBuffer(lines);
-  if (lines > 0 && SpectrReal == nullptr) realScratch = WorkBuffer(lines);
+  if (lines > 0 && SpectrPhase == nullptr && SpectrReal != nullptr) phaseScratch = WorkBuffer(lines);
   double* phase = SpectrPhase ? SpectrPhase : phaseScratch.data();
-  double* real = SpectrReal ? SpectrReal : realScratch.data();
-  if (lines == 0 || phase == nullptr || real == nullptr) {
+  if (lines == 0 || (SpectrReal != nullptr && phase == nullptr)) {
     empty();
     return;
   }
+  auto span = [lines](double* p) { return p ? std::span<double>(p, lines) : std::span<double>(); };
   const std::span<const int16_t> store(SignalData, static_cast<size_t>(rowCount) * kColumns);
-  const auto summary = ComputeSpectrum(store, request, {{SpectrAmplitude, lines}, {phase, lines}, {real, lines}});
+  const auto summary = ComputeSpectrum(store, request, {{SpectrAmplitude, lines}, span(phase), span(SpectrReal)});
   if (!summary) {
     empty();
     return;

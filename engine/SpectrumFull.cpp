@@ -19,6 +19,8 @@ namespace {
 
 using Complex = std::complex<double>;
 
+double* Optional(std::span<double> lines) { return lines.empty() ? nullptr : lines.data(); }
+
 double PhaseDegrees(Complex z) {
   double p = -FastAtan2(z.imag(), z.real()) * (180.0 / kPi);
   if (p < 0.0) p += 360.0;
@@ -122,8 +124,8 @@ struct BlockWork {
 
 void StoreZeroLine(double mean, const SpectrumLinesOut& out) {
   out.amplitude[0] = std::fabs(mean);
-  out.phase[0] = mean < 0.0 ? 180.0 : 0.0;
-  out.real[0] = mean;
+  if (!out.phase.empty()) out.phase[0] = mean < 0.0 ? 180.0 : 0.0;
+  if (!out.real.empty()) out.real[0] = mean;
 }
 
 void SingleBlock(BlockWork& w, const SpectrumLinesOut& out) {
@@ -132,7 +134,8 @@ void SingleBlock(BlockWork& w, const SpectrumLinesOut& out) {
   SplitInTwo(static_cast<size_t>(w.blocks.inner - 1), [&](size_t begin, size_t end) {
     const auto [first, last] = LineRange(begin, end);
     InRotatedChunks(shift, L, w.rotate, first, last, [&](int32_t lo, int32_t hi, const double* turn) {
-      WindowedLines(w.work.data(), lo, hi, turn, w.lineScale, out.amplitude.data(), out.phase.data(), out.real.data());
+      WindowedLines(w.work.data(), lo, hi, turn, w.lineScale, out.amplitude.data(), Optional(out.phase),
+                    Optional(out.real));
     });
   });
   for (int32_t k : w.edgeLines) {
@@ -142,8 +145,8 @@ void SingleBlock(BlockWork& w, const SpectrumLinesOut& out) {
       continue;
     }
     out.amplitude[k] = std::sqrt(std::norm(z)) * w.lineScale;
-    out.phase[k] = PhaseDegrees(z);
-    out.real[k] = z.real() * w.lineScale;
+    if (!out.phase.empty()) out.phase[k] = PhaseDegrees(z);
+    if (!out.real.empty()) out.real[k] = z.real() * w.lineScale;
   }
 }
 
@@ -178,8 +181,8 @@ bool AveragedBlocks(BlockWork& w, const SpectrumLinesOut& out) {
     const double amplitude = magnitudes.data()[k] * inverseCount * w.lineScale;
     const double length = std::sqrt(std::norm(sum[k]));
     out.amplitude[k] = amplitude;
-    out.phase[k] = PhaseDegrees(sum[k]);
-    out.real[k] = amplitude * (length > 0.0 ? sum[k].real() / length : 1.0);
+    if (!out.phase.empty()) out.phase[k] = PhaseDegrees(sum[k]);
+    if (!out.real.empty()) out.real[k] = amplitude * (length > 0.0 ? sum[k].real() / length : 1.0);
   }
   return true;
 }
@@ -195,15 +198,17 @@ std::optional<SpectrumSummary> ComputeSpectrum(std::span<const int16_t> store, c
   const bool inside = r.column >= 0 && r.column < kColumns && r.firstRow >= 1 &&
                       static_cast<size_t>(std::max(r.lastRow, 0)) <= storeRows;
   const auto lines = static_cast<size_t>(blocks.lines);
-  if (blocks.n < 2 || !inside || out.amplitude.size() < lines || out.phase.size() < lines ||
-      out.real.size() < lines) {
+  auto fits = [lines](std::span<double> a) { return a.empty() || a.size() >= lines; };
+  if (blocks.n < 2 || !inside || out.amplitude.size() < lines || !fits(out.phase) || !fits(out.real) ||
+      (out.phase.empty() && !out.real.empty())) {
     return std::nullopt;
   }
   const int32_t L = blocks.length;
   const auto plan = PlanFor(FftKind::RealToComplex, L);
   WorkBuffer work(RealTransformDoubles(L));
   if (!plan || work.data() == nullptr) return std::nullopt;
-  const bool rotate = blocks.count > 1 || (static_cast<int64_t>(r.firstRow) - r.referenceRow) % L != 0;
+  const bool rotate = !out.phase.empty() &&
+                     (blocks.count > 1 || (static_cast<int64_t>(r.firstRow) - r.referenceRow) % L != 0);
   BlockWork w{store.data(), r, blocks, *plan, work, rotate, 8.0 / L * r.unitsPerCode, 2.0 / L * r.unitsPerCode, {0}};
   for (int32_t k = blocks.inner; k < blocks.lines; ++k) w.edgeLines.push_back(k);
   if (blocks.count == 1) {

@@ -21,7 +21,8 @@ struct SpectrumRequest {
   double sampleHz = 1.0;
 };
 
-// Lines 0..lines-1 go to the three spans.
+// Lines 0..lines-1 go to the three spans. An empty phase span asks for the
+// amplitudes alone; the in-phase part may be left out (empty) in any case.
 struct SpectrumLinesOut {
   std::span<double> amplitude;
   std::span<double> phase;

@@ -47,7 +47,7 @@ namespace {
 
 // One loop per case, so that neither carries a branch that keeps it from
 // vectorising.
-template <bool kRotate>
+template <bool kRotate, bool kPhase, bool kReal>
 [[gnu::always_inline]] inline void WindowedLinesLoop(const double* x, int32_t first, int32_t last, const double* rotation,
                        double lineScale, double* amplitude, double* phase, double* real) {
   constexpr double toDegrees = 180.0 / kPi;
@@ -62,9 +62,11 @@ template <bool kRotate>
       zr = r;
     }
     amplitude[k] = std::sqrt(zr * zr + zi * zi) * lineScale;
-    const double p = -FastAtan2(zi, zr) * toDegrees;
-    phase[k] = p < 0.0 ? p + 360.0 : p;
-    real[k] = zr * lineScale;
+    if constexpr (kPhase) {
+      const double p = -FastAtan2(zi, zr) * toDegrees;
+      phase[k] = p < 0.0 ? p + 360.0 : p;
+    }
+    if constexpr (kReal) real[k] = zr * lineScale;
   }
 }
 
@@ -86,13 +88,20 @@ template <bool kRotate>
   }
 }
 
+// An amplitude does not change with the turn, so amplitudes alone skip it.
 [[gnu::always_inline]] inline void WindowedAny(const double* x, int32_t first, int32_t last,
                                                 const double* rotation, double lineScale,
                                                 double* amplitude, double* phase, double* real) {
-  if (rotation != nullptr) {
-    WindowedLinesLoop<true>(x, first, last, rotation, lineScale, amplitude, phase, real);
+  if (phase == nullptr) {
+    WindowedLinesLoop<false, false, false>(x, first, last, rotation, lineScale, amplitude, phase, real);
+  } else if (rotation != nullptr && real != nullptr) {
+    WindowedLinesLoop<true, true, true>(x, first, last, rotation, lineScale, amplitude, phase, real);
+  } else if (rotation != nullptr) {
+    WindowedLinesLoop<true, true, false>(x, first, last, rotation, lineScale, amplitude, phase, real);
+  } else if (real != nullptr) {
+    WindowedLinesLoop<false, true, true>(x, first, last, rotation, lineScale, amplitude, phase, real);
   } else {
-    WindowedLinesLoop<false>(x, first, last, rotation, lineScale, amplitude, phase, real);
+    WindowedLinesLoop<false, true, false>(x, first, last, rotation, lineScale, amplitude, phase, real);
   }
 }
 

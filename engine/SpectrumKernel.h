@@ -14,6 +14,7 @@ void FillRotation(int64_t shift, int32_t blockLength, int32_t first, int32_t las
 // complex; 1 <= first, last <= L/2), Hann-windowed from their neighbours,
 // turned by `rotation` (from FillRotation over the same lines, or null) and
 // scaled: peak-to-peak amplitude, phase in degrees 0..360, in-phase part.
+// Without `phase` only the amplitudes are written; `real` may be null.
 void WindowedLines(const double* x, int32_t first, int32_t last, const double* rotation,
                    double lineScale, double* amplitude, double* phase, double* real);
 

@@ -13,6 +13,7 @@
 
 #include "engine/EngineCommon.h"
 
+#include <span>
 #include <vector>
 
 namespace aqx::engine {
@@ -49,6 +50,14 @@ int32_t ExtensionFor(const Cascade& cascade);
 // Writes x[0..count-1] to extended[pad..pad+count) (x may already lie there)
 // and continues it by `pad` predicted values on both sides.
 void ExtendByPrediction(const double* x, int32_t count, int32_t pad, double* extended);
+
+// The same continuation from the record's edges alone: head and tail hold
+// its first and last PredictionWindow(count) values; `pad` values go to
+// before[0..pad) (in the record's order, the last just before x[0]) and to
+// after[0..pad).
+int32_t PredictionWindow(int32_t count);
+void PredictEdges(std::span<const double> head, std::span<const double> tail, int32_t pad, double* before,
+                  double* after);
 
 // Filters x[0..count-1] in place; `work` is reused scratch.
 void FilterZeroPhase(const Cascade& cascade, double* x, int32_t count, std::vector<double>& work);

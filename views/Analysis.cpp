@@ -9,7 +9,7 @@
 namespace aqx::views {
 
 AnalysisResults::AnalysisResults()
-    : SpectrAmplitude(kSpectrumLines), SpectrPhase(kSpectrumLines), SpectrReal(kSpectrumLines) {}
+    : SpectrAmplitude(kSpectrumLines), SpectrPhase(kSpectrumLines) {}
 
 namespace {
 int ValidChannel(const AppState& s, int channel) { return std::clamp(channel, 1, ChannelCount(s)); }
@@ -17,7 +17,7 @@ int ValidChannel(const AppState& s, int channel) { return std::clamp(channel, 1,
 
 void AccountChannelSpectrum(AppState& s, AnalysisResults& r, int channel) {
   const int c = ValidChannel(s, channel);
-  SpectrumOut out{r.SpectrAmplitude.data(), r.SpectrPhase.data(), r.SpectrReal.data()};
+  SpectrumOut out{r.SpectrAmplitude.data(), r.SpectrPhase.data(), nullptr};
   SpectrumOfRows(s, c, s.SelectFirst, s.SelectLast, s.ViewFirst, s.ViewLast, out);
   if (out.SpectrLineCount > 0) s.StepDesc = out.StepDesc;
   s.SpectrLineCount = out.SpectrLineCount;
@@ -41,7 +41,7 @@ void AccountChannelProbeValues(AppState& s, AnalysisResults& r) {
               probeFreq.begin() + (c - 1) * kProbeEntries);
   AccountProbe(ValidChannel(s, s.FirstChannelActive), s.SpectrLineCount, r.ProbeAmplitude.data(),
                r.ProbePhase.data(), probeFreq.data(), nullptr, s.channels.Type.data(), s.FreqOneGarmonic, s.StepDesc,
-               r.SpectrAmplitude.data(), r.SpectrPhase.data(), r.SpectrReal.data());
+               r.SpectrAmplitude.data(), r.SpectrPhase.data(), nullptr);
 }
 
 void AccountChannelProbe(AppState& s, AnalysisResults& r, int channel) {

@@ -23,10 +23,10 @@ struct AnalysisResults {
   AnalysisResults(const AnalysisResults&) = delete;
   AnalysisResults& operator=(const AnalysisResults&) = delete;
 
-  // Spectrum of one channel (AccountSpectrFull).
+  // Spectrum of one channel (AccountSpectrFull). The in-phase part is not
+  // kept: no view shows it, and at a million samples it is 4 MiB.
   std::vector<double> SpectrAmplitude;
   std::vector<double> SpectrPhase;
-  std::vector<double> SpectrReal;
   int32_t SpectrMax = 0;
   int SpectrChannel = 0;  // channel the arrays hold, 0 before the first
   // Probe values of FirstChannelActive (AccountProbe).

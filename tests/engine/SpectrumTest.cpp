@@ -33,10 +33,14 @@ struct Request {
   std::vector<int32_t> marks;
 };
 
-Spectrum Analyse(Store& store, const Request& r) {
+// Which of the optional outputs the call asks for.
+enum class Asked { All, PhaseOnly, AmplitudeOnly };
+
+Spectrum Analyse(Store& store, const Request& r, Asked asked = Asked::All) {
   Spectrum s;
   const auto ku = PerChannel(1.25f);  // one unit per code
-  AccountSpectrFull(nullptr, nullptr, s.phase.data(), s.real.data(), s.amplitude.data(), r.selectFirst,
+  AccountSpectrFull(nullptr, nullptr, asked == Asked::AmplitudeOnly ? nullptr : s.phase.data(),
+                    asked == Asked::All ? s.real.data() : nullptr, s.amplitude.data(), r.selectFirst,
                     r.selectLast, r.first, r.last, AQX_SIGNAL_ROWS, store.rows, store.data(), 1, nullptr,
                     nullptr, r.removeConstant, r.block, &s.step, kSampleHz, &s.lines, &s.largest,
                     ku.data(), static_cast<int32_t>(r.marks.size()), r.marks.data(), -1);
@@ -251,6 +255,34 @@ TEST(EngineSpectrum, MeasuredPlansGiveTheEstimatedPlansLines) {
       if (estimated->amplitude[k] > 1e-3 * estimated->largest) {
         ASSERT_NEAR(AngleDifference(measured->phase[k], estimated->phase[k]), 0, 1e-9 * 360) << k;
       }
+    }
+  }
+}
+
+// What is not asked for is left alone, and leaving it out changes nothing in
+// what is: the same amplitudes and phases to the last bit without the
+// in-phase part; amplitudes alone skip the turn to the shaft mark, which
+// moves them by rounding only.
+TEST(EngineSpectrum, LeavingOutPhaseOrInPhasePartKeepsTheRestExact) {
+  Store store(kRowsUsed);
+  store.fill(1, kRowsUsed, [](int32_t row) { return Sine(row, 50.3, 6000, 30) + Sine(row, 7.0, 900, 100) + row % 7; });
+  Request single;
+  single.marks = {101};
+  Request averaged = single;
+  averaged.block = 1024;
+  for (const Request& r : {single, averaged}) {
+    const Spectrum all = Analyse(store, r);
+    const Spectrum phaseOnly = Analyse(store, r, Asked::PhaseOnly);
+    const Spectrum amplitudeOnly = Analyse(store, r, Asked::AmplitudeOnly);
+    ASSERT_GT(all.lines, 0);
+    EXPECT_EQ(phaseOnly.lines, all.lines);
+    EXPECT_EQ(amplitudeOnly.largest, all.largest);
+    for (int32_t k = 0; k < all.lines; ++k) {
+      ASSERT_EQ(phaseOnly.amplitude[k], all.amplitude[k]) << k;
+      ASSERT_EQ(phaseOnly.phase[k], all.phase[k]) << k;
+      ASSERT_NEAR(amplitudeOnly.amplitude[k], all.amplitude[k], 1e-12 * all.largest) << k;
+      ASSERT_EQ(phaseOnly.real[k], kSentinelValue) << k;
+      ASSERT_EQ(amplitudeOnly.phase[k], kSentinelValue) << k;
     }
   }
 }
