@@ -16,8 +16,12 @@
 // sanitizers: their runtimes are not ready when the loader makes that choice.
 #if defined(__x86_64__) && !defined(__SANITIZE_THREAD__) && !defined(__SANITIZE_ADDRESS__)
 #define AQX_CLONED_FOR_AVX2 __attribute__((target_clones("arch=x86-64-v3", "default")))
+// The same with a third build for AVX-512, whose 32 vector registers hold
+// two passes' states and their coefficients at once.
+#define AQX_CLONED_FOR_AVX512 __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
 #else
 #define AQX_CLONED_FOR_AVX2
+#define AQX_CLONED_FOR_AVX512
 #endif
 
 namespace aqx::engine {
