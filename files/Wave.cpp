@@ -260,12 +260,14 @@ bool WriteWaveFrames(int frames, size_t channelCount, const RowSource& rows, int
 
 bool WriteWaveFile(const AppState& state, const QString& path, Prompts& prompts, const QString& title,
                    const DataFileArea* samplesInFile) {
-  // A file's area holds the same channels and rows as the state read from
-  // it; its own count is taken, as it sizes the reads.
+  // A file's area holds the channels and rows of the state read from it;
+  // they are taken from the area, as they size its reads.
   std::vector<int> channels;
-  for (int c = 1; c <= ChannelCount(state); ++c)
-    if (state.channels.Channel[c] == 1) channels.push_back(c);
-  if (samplesInFile) channels = samplesInFile->usedChannels;
+  if (samplesInFile)
+    channels = samplesInFile->usedChannels;
+  else
+    for (int c = 1; c <= ChannelCount(state); ++c)
+      if (state.channels.Channel[c] == 1) channels.push_back(c);
   if (channels.empty()) {
     prompts.message(QStringLiteral("В записи нет ни одного канала с данными."), title,
                     PromptButtons::Ok, PromptIcon::Exclamation);
