@@ -5,11 +5,16 @@
 // so it overwrites the last header byte: the file is H-1 + 2 x N x used bytes.
 
 #include "core/AppState.h"
+#include "core/PlainFile.h"
 #include "core/Prompts.h"
 #include "files/DataFileLayout.h"
 
 #include <QByteArray>
 #include <QString>
+
+#include <optional>
+#include <span>
+#include <vector>
 
 namespace aqx {
 
@@ -34,6 +39,39 @@ bool ReadDataFile(AppState& state, Prompts& prompts);
 // was.
 bool ReadDataFileHeader(AppState& state, Prompts& prompts);
 
+// Where an ordinary data file holds its samples: the used channels
+// (ascending) one after another from byte `areaStart` (counted from 0), each
+// `fileSamplesPerChannel` codes of 16 bits, little-endian; a recording keeps
+// the first `keptSamples` of each.
+struct DataFileArea {
+  QString path;
+  std::vector<int> usedChannels;
+  int64_t areaStart = 0;
+  int64_t fileSamplesPerChannel = 0;
+  int keptSamples = 0;
+
+  // Byte of sample `sample` (from 0) of the k-th used channel (from 0).
+  int64_t byteOf(size_t k, int64_t sample) const {
+    return areaStart + 2 * (static_cast<int64_t>(k) * fileSamplesPerChannel + sample);
+  }
+};
+
+// ReadDataFile for a command that moves the samples on by itself: an
+// ordinary file's header goes into the state as ReadDataFile puts it, after
+// the same checks, but its samples stay in the file and `area` says where
+// (the store is not touched); a continuous file is read as ReadDataFile
+// reads it and `area` stays empty.
+bool ReadDataFileLeavingSamples(AppState& state, Prompts& prompts, std::optional<DataFileArea>& area);
+
+// Samples `first`.. of the k-th used channel of an area, as the file holds
+// them, into `bytes` (two per sample), from a file opened on area.path. A
+// failure is told as ReadDataFile tells it.
+bool ReadAreaSamples(PlainFile& file, const DataFileArea& area, size_t k, int64_t first,
+                     std::span<char> bytes, Prompts& prompts);
+// Opens area.path for ReadAreaSamples; a failure is told as ReadDataFile
+// tells it.
+bool OpenArea(PlainFile& file, const DataFileArea& area, Prompts& prompts);
+
 // Reads only the header of state.PathFileData in layout `minor` into the
 // state, with the rules of every header reader. LoadHeader is the current
 // layout's reader. True when the header was taken over.
@@ -49,6 +87,11 @@ void ResetFileDefaults(AppState& state);
 // On failure the old file stays as it was, the reason is told under
 // "Сохранение", and false is returned.
 bool WriteDataFile(AppState& state, Prompts& prompts);
+
+// WriteDataFile for the state as ReadDataFileLeavingSamples left it: the
+// same file, written the same way, with each channel's kept samples copied
+// from `area` as they lie there, never through the store.
+bool WriteDataFileFrom(AppState& state, const DataFileArea& area, Prompts& prompts);
 
 // Writes the header record at the start of an existing file without
 // touching what follows (a continuous recording keeps its samples). The

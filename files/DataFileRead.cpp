@@ -54,11 +54,10 @@ struct ParsedDataFile {
   int64_t headerBytes = 0;  // H
   int channelCountBefore = kMaxChannels;
   QStringList repaired;
-  // Channels whose samples the file holds, ascending: up to the ChannelCount
-  // after the read, with the Channel flags after the read (the file's up to
-  // the ChannelCount before it, the state's beyond).
-  std::vector<int> usedChannels;
-  int64_t fileSamplesPerChannel = 0;
+  // Its channels are those whose samples the file holds, ascending: up to
+  // the ChannelCount after the read, with the Channel flags after the read
+  // (the file's up to the ChannelCount before it, the state's beyond).
+  DataFileArea area;
 };
 
 bool OpenForReading(PlainFile& file, const QString& path, Prompts& p) {
@@ -104,6 +103,8 @@ std::optional<ParsedDataFile> ParseDataFile(PlainFile& file, const AppState& s, 
     return std::nullopt;
   }
   f.headerBytes = static_cast<int64_t>(DataFileHeaderBytes(f.layout));
+  f.area.path = file.path();
+  f.area.areaStart = f.headerBytes - 1;
   // The last header byte is the first sample byte, and a file without
   // samples ends before it.
   if (fileBytes < f.headerBytes - 1) {
@@ -135,21 +136,21 @@ std::optional<ParsedDataFile> ParseDataFile(PlainFile& file, const AppState& s, 
   for (int c = 1; c <= countAfter; ++c) {
     const int flag = c <= f.channelCountBefore ? f.header.Channel[static_cast<size_t>(c - 1)]
                                                : s.channels.Channel[c];
-    if (flag == 1) f.usedChannels.push_back(c);
+    if (flag == 1) f.area.usedChannels.push_back(c);
   }
-  f.fileSamplesPerChannel = f.header.SignalDataN;
+  const int64_t samples = f.area.fileSamplesPerChannel = f.header.SignalDataN;
+  f.area.keptSamples = static_cast<int>(std::clamp<int64_t>(samples, 1, static_cast<int64_t>(kMaxSamples)));
   if (!checkSamples || f.header.SolidMode) return f;
-  const auto used = static_cast<int64_t>(f.usedChannels.size());
-  if (f.fileSamplesPerChannel < 1 && used > 0) {
-    Refuse(p, Damaged(QStringLiteral("неверное число отсчётов в заголовке (%1)")
-                          .arg(f.fileSamplesPerChannel)));
+  const auto used = f.area.usedChannels.size();
+  if (samples < 1 && used > 0) {
+    Refuse(p, Damaged(QStringLiteral("неверное число отсчётов в заголовке (%1)").arg(samples)));
     return std::nullopt;
   }
-  const int64_t needBytes = f.headerBytes - 1 + 2 * std::max<int64_t>(f.fileSamplesPerChannel, 0) * used;
+  const int64_t needBytes = f.area.byteOf(used, 0);
   if (fileBytes < needBytes) {
     Refuse(p, Damaged(QStringLiteral("по заголовку в нём %1 отсчётов по %2 каналам (%3 байт), "
                                      "а в файле %4 байт")
-                          .arg(f.fileSamplesPerChannel)
+                          .arg(samples)
                           .arg(used)
                           .arg(needBytes)
                           .arg(fileBytes)));
@@ -177,25 +178,19 @@ void CommitHeader(const ParsedDataFile& f, AppState& s) {
 // The sample area, channel after channel in the file, into the sample-major
 // store, one block of samples of all channels at a time. With no store the
 // area is only read through: a read error then leaves the store as it was.
-bool ReadSamples(PlainFile& file, const ParsedDataFile& f, int keep, int16_t* store, Prompts& p) {
-  const size_t used = f.usedChannels.size();
+bool ReadSamples(PlainFile& file, const DataFileArea& area, int16_t* store, Prompts& p) {
+  const size_t used = area.usedChannels.size();
   if (used == 0) return true;
-  const int64_t areaStart = f.headerBytes - 1;
+  const int keep = area.keptSamples;
   std::vector<int16_t> block(used * kBlockStride);
   std::vector<size_t> column(used);
-  for (size_t k = 0; k < used; ++k) column[k] = static_cast<size_t>(f.usedChannels[k] - 1);
+  for (size_t k = 0; k < used; ++k) column[k] = static_cast<size_t>(area.usedChannels[k] - 1);
   for (int first = 0; first < keep; first += kSamplesPerBlock) {
     const int count = std::min(kSamplesPerBlock, keep - first);
     for (size_t k = 0; k < used; ++k) {
-      const int64_t at =
-          areaStart + 2 * (static_cast<int64_t>(k) * f.fileSamplesPerChannel + first);
       auto* target = reinterpret_cast<char*>(block.data() + k * kBlockStride);
-      if (!file.readAt(at, std::span(target, static_cast<size_t>(count) * 2))) {
-        Refuse(p, QStringLiteral("Ошибка чтения файла %1: %2.")
-                      .arg(QDir::toNativeSeparators(file.path()),
-                           ReasonOfError(file.lastError(), false)));
+      if (!ReadAreaSamples(file, area, k, first, std::span(target, static_cast<size_t>(count) * 2), p))
         return false;
-      }
     }
     if (store) SpreadChannels(block.data(), first, count, column, store);
   }
@@ -212,24 +207,41 @@ void TellRepaired(const ParsedDataFile& f, Prompts& p) {
 
 }  // namespace
 
+bool OpenArea(PlainFile& file, const DataFileArea& area, Prompts& p) {
+  return OpenForReading(file, area.path, p);
+}
+
+bool ReadAreaSamples(PlainFile& file, const DataFileArea& area, size_t k, int64_t first, std::span<char> bytes,
+                     Prompts& p) {
+  if (file.readAt(area.byteOf(k, first), bytes)) return true;
+  Refuse(p, QStringLiteral("Ошибка чтения файла %1: %2.")
+                .arg(QDir::toNativeSeparators(file.path()), ReasonOfError(file.lastError(), false)));
+  return false;
+}
+
 namespace {
 
-// ReadDataFile with or without the samples.
-bool ReadDataFileAs(AppState& s, Prompts& p, bool withSamples) {
+// What a read does with the samples: into the store, not at all, or (for
+// an ordinary file) left in the file for the caller.
+enum class SampleUse { Store, None, LeaveInFile };
+
+bool ReadDataFileAs(AppState& s, Prompts& p, SampleUse use, std::optional<DataFileArea>* area) {
   ReadingNotice notice(s, p);
   PlainFile file;
   if (!OpenForReading(file, s.PathFileData, p)) return false;
   std::optional<ParsedDataFile> parsed = ParseDataFile(file, s, p, std::nullopt, true);
   if (!parsed) return false;
   const ParsedDataFile& f = *parsed;
-  const auto keep = static_cast<int>(
-      std::clamp<int64_t>(f.fileSamplesPerChannel, 1, static_cast<int64_t>(kMaxSamples)));
+  const int keep = f.area.keptSamples;
+  // A continuous file's block is always read when samples are wanted.
+  const bool leaveInFile = use == SampleUse::LeaveInFile && !f.header.SolidMode;
+  const bool withSamples = use != SampleUse::None && !leaveInFile;
   // Every byte of the samples is read once before the store is touched (the
   // second pass then comes from the page cache), so that a read error
   // leaves the previous recording whole without a second 64 MiB store. A
   // store that has never held a sample has nothing to lose: one pass.
   const bool storeHoldsSamples = s.SignalData.residentBytes() > 0;
-  if (withSamples && storeHoldsSamples && !f.header.SolidMode && !ReadSamples(file, f, keep, nullptr, p))
+  if (withSamples && storeHoldsSamples && !f.header.SolidMode && !ReadSamples(file, f.area, nullptr, p))
     return false;
 
   // The block of a continuous file is read after the header is in; a
@@ -247,10 +259,16 @@ bool ReadDataFileAs(AppState& s, Prompts& p, bool withSamples) {
     s.ViewFirst = 1;
     s.ViewLast = s.SignalDataN;
     ApplyBlockRule(s);
-    if (withSamples && !ReadSamples(file, f, keep, s.SignalData.data(), p)) {
+    if (withSamples && !ReadSamples(file, f.area, s.SignalData.data(), p)) {
       static_cast<StateValues&>(s) = previous;
       return false;
     }
+  }
+  if (area) {
+    if (leaveInFile)
+      area->emplace(f.area);
+    else
+      area->reset();
   }
   TellRepaired(f, p);
   if (s.ReminderConvertFile &&
@@ -267,9 +285,13 @@ bool ReadDataFileAs(AppState& s, Prompts& p, bool withSamples) {
 
 }  // namespace
 
-bool ReadDataFile(AppState& s, Prompts& p) { return ReadDataFileAs(s, p, true); }
+bool ReadDataFile(AppState& s, Prompts& p) { return ReadDataFileAs(s, p, SampleUse::Store, nullptr); }
 
-bool ReadDataFileHeader(AppState& s, Prompts& p) { return ReadDataFileAs(s, p, false); }
+bool ReadDataFileHeader(AppState& s, Prompts& p) { return ReadDataFileAs(s, p, SampleUse::None, nullptr); }
+
+bool ReadDataFileLeavingSamples(AppState& s, Prompts& p, std::optional<DataFileArea>& area) {
+  return ReadDataFileAs(s, p, SampleUse::LeaveInFile, &area);
+}
 
 bool LoadHeaderOfLayout(AppState& s, int minor, Prompts& p) {
   PlainFile file;

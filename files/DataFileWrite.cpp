@@ -33,29 +33,56 @@ void TakeProgramVersion(AppState& s) {
   s.FileVersionRevision = AQX_VERSION_PATCH;
 }
 
-// The samples of the used channels, channel after channel, from `areaStart`
-// on; one block of samples of all channels is gathered at a time.
-bool WriteSamples(PlainFile& file, const AppState& s, const std::vector<int>& usedChannels,
-                  int samplesPerChannel, int64_t areaStart) {
-  const size_t used = usedChannels.size();
+// The store's samples of the target's channels, into its area; one block
+// of samples of all channels is gathered at a time.
+bool WriteSamples(PlainFile& file, const AppState& s, const DataFileArea& target) {
+  const size_t used = target.usedChannels.size();
+  const int samplesPerChannel = target.keptSamples;
   if (used == 0 || samplesPerChannel == 0) return true;
   std::vector<int16_t> block(used * kBlockStride);
   std::vector<size_t> column(used);
-  for (size_t k = 0; k < used; ++k) column[k] = static_cast<size_t>(usedChannels[k] - 1);
+  for (size_t k = 0; k < used; ++k) column[k] = static_cast<size_t>(target.usedChannels[k] - 1);
   for (int first = 0; first < samplesPerChannel; first += kSamplesPerBlock) {
     const int count = std::min(kSamplesPerBlock, samplesPerChannel - first);
     GatherChannels(s.SignalData.data(), first, count, column, block.data());
     for (size_t k = 0; k < used; ++k) {
-      const int64_t at = areaStart + 2 * (static_cast<int64_t>(k) * samplesPerChannel + first);
       const auto* source = reinterpret_cast<const char*>(block.data() + k * kBlockStride);
-      if (!file.writeAt(at, std::span(source, static_cast<size_t>(count) * 2))) return false;
+      if (!file.writeAt(target.byteOf(k, first), std::span(source, static_cast<size_t>(count) * 2))) return false;
     }
   }
   return true;
 }
 
-// Bytes of a continuous recording moved per read and write.
+// Bytes moved per read and write when samples go from file to file.
 constexpr size_t kRowCopyBytes = size_t{1} << 20;
+
+// Each channel's kept samples from the source area into the target's as
+// they lie, a piece at a time. False on a failure; `readFailed` (then told)
+// when it was the source's.
+bool CopySamples(PlainFile& out, const DataFileArea& target, const DataFileArea& source, Prompts& p,
+                 bool& readFailed) {
+  const size_t used = target.usedChannels.size();
+  const int64_t channelBytes = 2 * static_cast<int64_t>(target.keptSamples);
+  if (used == 0 || channelBytes == 0) return true;
+  PlainFile in;
+  if (!OpenArea(in, source, p)) {
+    readFailed = true;
+    return false;
+  }
+  std::vector<char> piece(static_cast<size_t>(std::min<int64_t>(channelBytes, kRowCopyBytes)));
+  for (size_t k = 0; k < used; ++k) {
+    for (int64_t done = 0; done < channelBytes;) {
+      const std::span chunk(piece.data(), static_cast<size_t>(std::min<int64_t>(channelBytes - done, kRowCopyBytes)));
+      if (!ReadAreaSamples(in, source, k, done / 2, chunk, p)) {
+        readFailed = true;
+        return false;
+      }
+      if (!out.writeAt(target.byteOf(k, done / 2), chunk)) return false;
+      done += static_cast<int64_t>(chunk.size());
+    }
+  }
+  return true;
+}
 
 // A continuous recording of an older layout has its rows right behind a
 // shorter header, which the current one would overwrite: the file is
@@ -126,30 +153,54 @@ bool WriteFileHeader(AppState& s, const QString& path, Prompts& p) {
   return true;
 }
 
-bool WriteDataFile(AppState& s, Prompts& p) {
+namespace {
+
+// The recording in the current layout into a replacement of PathFileData:
+// the header, then the samples by writeSamples(file, area, readFailed),
+// which returns false on a failure and sets readFailed when it has told
+// one of its source.
+template <class SampleWriter>
+bool WriteCurrentLayout(AppState& s, Prompts& p, SampleWriter&& writeSamples) {
   const QString target = s.PathFileData;
   const bool targetExisted = QFileInfo::exists(target);
   const QByteArray header = BuildFileHeaderBytes(s);
-  const std::vector<int> used = UsedChannels(s);
-  const int samples = std::clamp(s.SignalDataN, 0, kMaxSamples);
+  DataFileArea area;
+  area.path = target;
+  area.usedChannels = UsedChannels(s);
   // The first sample byte replaces the last header byte.
-  const int64_t areaStart = header.size() - 1;
-  const int64_t totalBytes = areaStart + 2 * static_cast<int64_t>(samples) * static_cast<int64_t>(used.size());
+  area.areaStart = header.size() - 1;
+  area.keptSamples = std::clamp(s.SignalDataN, 0, kMaxSamples);
+  area.fileSamplesPerChannel = area.keptSamples;
 
   PlainFile file;
   if (!file.createReplacementFor(target)) {
     TellSaveFailure(p, target, file.lastError(), targetExisted);
     return false;
   }
-  const bool written = file.reserve(totalBytes) &&
-                       file.writeAt(0, std::span(header.constData(), static_cast<size_t>(areaStart))) &&
-                       WriteSamples(file, s, used, samples, areaStart) && file.commit();
+  bool readFailed = false;
+  const bool written = file.reserve(area.byteOf(area.usedChannels.size(), 0)) &&
+                       file.writeAt(0, std::span(header.constData(), static_cast<size_t>(area.areaStart))) &&
+                       writeSamples(file, area, readFailed) && file.commit();
   if (!written) {
-    TellSaveFailure(p, target, file.lastError(), targetExisted);
+    if (!readFailed) TellSaveFailure(p, target, file.lastError(), targetExisted);
     return false;
   }
   TakeProgramVersion(s);
   return true;
+}
+
+}  // namespace
+
+bool WriteDataFile(AppState& s, Prompts& p) {
+  return WriteCurrentLayout(s, p, [&s](PlainFile& file, const DataFileArea& target, bool&) {
+    return WriteSamples(file, s, target);
+  });
+}
+
+bool WriteDataFileFrom(AppState& s, const DataFileArea& source, Prompts& p) {
+  return WriteCurrentLayout(s, p, [&](PlainFile& file, const DataFileArea& target, bool& readFailed) {
+    return CopySamples(file, target, source, p, readFailed);
+  });
 }
 
 bool SaveDataFileCommand(AppState& s, Prompts& p) {

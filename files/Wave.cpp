@@ -1,6 +1,7 @@
 #include "files/Wave.h"
 
 #include "core/Numeric.h"
+#include "files/DataFile.h"
 #include "files/DataFileRules.h"
 #include "files/Layout.h"
 
@@ -180,14 +181,60 @@ std::array<char, kWaveHeaderBytes> WaveHeaderBytes(size_t channelCount, int samp
 
 namespace {
 
+// Fills `frames` with rows first..first+count-1 (from 1), each row the
+// channels' codes one after another, little-endian. False when the rows
+// could not be had; the reason has then been told.
+using RowSource = std::function<bool(int first, int count, char* frames)>;
+
+RowSource StoreRows(const AppState& state, std::span<const int> channels) {
+  return [&state, channels](int first, int count, char* out) {
+    for (int row = first; row < first + count; ++row)
+      for (int c : channels) {
+        const auto code = static_cast<uint16_t>(state.SignalData.at(row, c));
+        *out++ = static_cast<char>(code & 0xFF);
+        *out++ = static_cast<char>(code >> 8);
+      }
+    return true;
+  };
+}
+
+// The rows of an ordinary data file's area as it lies: each channel's piece
+// of the rows is read, then the pieces are woven into frames. The file
+// holds the codes little-endian, as the frames do.
+class AreaRows {
+ public:
+  AreaRows(const DataFileArea& area, Prompts& prompts) : area_(area), prompts_(prompts) {}
+  bool open() { return OpenArea(file_, area_, prompts_); }
+  bool operator()(int first, int count, char* out) {
+    const size_t used = area_.usedChannels.size();
+    const auto pieceBytes = 2 * static_cast<size_t>(count);
+    pieces_.resize(used * pieceBytes);
+    for (size_t k = 0; k < used; ++k)
+      if (!ReadAreaSamples(file_, area_, k, first - 1, std::span(pieces_.data() + k * pieceBytes, pieceBytes),
+                           prompts_))
+        return false;
+    for (size_t i = 0; i < pieceBytes; i += 2)
+      for (size_t k = 0; k < used; ++k) {
+        *out++ = pieces_[k * pieceBytes + i];
+        *out++ = pieces_[k * pieceBytes + i + 1];
+      }
+    return true;
+  }
+
+ private:
+  const DataFileArea& area_;
+  Prompts& prompts_;
+  PlainFile file_;
+  std::vector<char> pieces_;
+};
+
 // The frames go out a piece at a time through a temporary that replaces the
 // target only once complete and synced: the export never holds a second copy
 // of the recording, and a failed one never leaves half a file under the name.
-bool WriteWaveFrames(const AppState& state, std::span<const int> channels, int samplesPerSecond,
+bool WriteWaveFrames(int frames, size_t channelCount, const RowSource& rows, int samplesPerSecond,
                      const QString& path, Prompts& prompts, const QString& title) {
-  const int frames = std::clamp(state.SignalDataN, 0, kMaxSamples);
-  const std::array<char, kWaveHeaderBytes> header = WaveHeaderBytes(channels.size(), frames, samplesPerSecond);
-  const size_t frameBytes = 2 * channels.size();
+  const std::array<char, kWaveHeaderBytes> header = WaveHeaderBytes(channelCount, frames, samplesPerSecond);
+  const size_t frameBytes = 2 * channelCount;
   const int framesPerPiece = static_cast<int>(std::max<size_t>(1, kPieceBytes / frameBytes));
   std::vector<char> piece(static_cast<size_t>(framesPerPiece) * frameBytes);
   PlainFile file;
@@ -196,15 +243,9 @@ bool WriteWaveFrames(const AppState& state, std::span<const int> channels, int s
             file.writeAt(0, header);
   int64_t at = kWaveHeaderBytes;
   for (int first = 1; ok && first <= frames; first += framesPerPiece) {
-    const int last = std::min(frames, first + framesPerPiece - 1);
-    char* out = piece.data();
-    for (int row = first; row <= last; ++row)
-      for (int c : channels) {
-        const auto code = static_cast<uint16_t>(state.SignalData.at(row, c));
-        *out++ = static_cast<char>(code & 0xFF);
-        *out++ = static_cast<char>(code >> 8);
-      }
-    const auto bytes = static_cast<size_t>(out - piece.data());
+    const int count = std::min(frames - first + 1, framesPerPiece);
+    if (!rows(first, count, piece.data())) return false;
+    const auto bytes = static_cast<size_t>(count) * frameBytes;
     ok = file.writeAt(at, std::span<const char>(piece.data(), bytes));
     at += static_cast<int64_t>(bytes);
   }
@@ -217,22 +258,33 @@ bool WriteWaveFrames(const AppState& state, std::span<const int> channels, int s
 
 }  // namespace
 
-bool WriteWaveFile(const AppState& state, const QString& path, Prompts& prompts, const QString& title) {
+bool WriteWaveFile(const AppState& state, const QString& path, Prompts& prompts, const QString& title,
+                   const DataFileArea* samplesInFile) {
+  // A file's area holds the channels and rows of the state read from it;
+  // they are taken from the area, as they size its reads.
   std::vector<int> channels;
-  for (int c = 1; c <= ChannelCount(state); ++c)
-    if (state.channels.Channel[c] == 1) channels.push_back(c);
+  if (samplesInFile)
+    channels = samplesInFile->usedChannels;
+  else
+    for (int c = 1; c <= ChannelCount(state); ++c)
+      if (state.channels.Channel[c] == 1) channels.push_back(c);
   if (channels.empty()) {
     prompts.message(QStringLiteral("В записи нет ни одного канала с данными."), title,
                     PromptButtons::Ok, PromptIcon::Exclamation);
     return false;
   }
-  return WriteWaveFrames(state, channels, state.FreqDesc, path, prompts, title);
+  const int frames = samplesInFile ? samplesInFile->keptSamples : std::clamp(state.SignalDataN, 0, kMaxSamples);
+  if (!samplesInFile) return WriteWaveFrames(frames, channels.size(), StoreRows(state, channels), state.FreqDesc,
+                                             path, prompts, title);
+  AreaRows rows(*samplesInFile, prompts);
+  return rows.open() && WriteWaveFrames(frames, channels.size(), std::ref(rows), state.FreqDesc, path, prompts, title);
 }
 
 bool WriteWaveChannel(const AppState& state, int channel, const QString& path,
                       int samplesPerSecond, Prompts& prompts, const QString& title) {
   const int one[] = {std::clamp(channel, 1, kMaxChannels)};
-  return WriteWaveFrames(state, one, samplesPerSecond, path, prompts, title);
+  return WriteWaveFrames(std::clamp(state.SignalDataN, 0, kMaxSamples), 1, StoreRows(state, one), samplesPerSecond,
+                         path, prompts, title);
 }
 
 bool ParseWave(const WaveSource& source, WaveContents& contents, QString& refusal) {
@@ -408,7 +460,7 @@ bool ReadFileWave(AppState& state, Prompts& prompts) {
   return true;
 }
 
-bool ExportWaveCommand(const AppState& state, Prompts& prompts) {
+bool ExportWaveCommand(const AppState& state, Prompts& prompts, const DataFileArea* samplesInFile) {
   const QString title = QStringLiteral("Экспорт");
   const QString suggested =
       state.PathFileData.isEmpty() ? QString() : QFileInfo(state.PathFileData).completeBaseName() +
@@ -420,7 +472,7 @@ bool ExportWaveCommand(const AppState& state, Prompts& prompts) {
       prompts.ask(QStringLiteral("Файл с таким именем уже существует. Заменить?"), title,
                   PromptButtons::YesNo) != PromptAnswer::Yes)
     return false;
-  return WriteWaveFile(state, *path, prompts, title);
+  return WriteWaveFile(state, *path, prompts, title, samplesInFile);
 }
 
 }  // namespace aqx

@@ -16,6 +16,8 @@
 
 namespace aqx {
 
+struct DataFileArea;  // files/DataFile.h
+
 inline constexpr size_t kWaveHeaderBytes = 44;
 
 // The 44-byte header of a 16-bit PCM file of `sampleCount` frames (held to
@@ -25,9 +27,12 @@ std::array<char, kWaveHeaderBytes> WaveHeaderBytes(size_t channelCount, int samp
 
 // All channels with Channel = 1 (up to ChannelCount), SignalDataN frames at
 // FreqDesc, to `path` through a temporary file. Failures are told under
-// `title`; true when the file is in place.
+// `title`; true when the file is in place. The codes come from the store,
+// or with `samplesInFile` from the data file the state was read from with
+// ReadDataFileLeavingSamples, a block of rows at a time.
 bool WriteWaveFile(const AppState& state, const QString& path, Prompts& prompts,
-                   const QString& title = QStringLiteral("Экспорт"));
+                   const QString& title = QStringLiteral("Экспорт"),
+                   const DataFileArea* samplesInFile = nullptr);
 // One channel in the same form at the rate given (the player's choice).
 bool WriteWaveChannel(const AppState& state, int channel, const QString& path,
                       int samplesPerSecond, Prompts& prompts,
@@ -60,7 +65,8 @@ bool ParseWave(std::span<const char> bytes, WaveContents& contents, QString& ref
 bool ReadFileWave(AppState& state, Prompts& prompts);
 
 // The export command: save dialog in InitDirSave, the question before an
-// existing file is replaced, the write. True when a file was written.
-bool ExportWaveCommand(const AppState& state, Prompts& prompts);
+// existing file is replaced, the write (codes as WriteWaveFile takes them).
+// True when a file was written.
+bool ExportWaveCommand(const AppState& state, Prompts& prompts, const DataFileArea* samplesInFile = nullptr);
 
 }  // namespace aqx

@@ -7,6 +7,7 @@
 #include "tools/ToolCommand.h"
 
 #include <memory>
+#include <optional>
 
 namespace aqx::tool {
 
@@ -23,7 +24,14 @@ int RunConvert(ToolContext& ctx) {
   }
   auto state = std::make_unique<AppState>();
   state->PathFileData = paths[0];
-  if (!read(*state, *ctx.prompts)) return kExitRefused;
+  // An ordinary data file's samples go from file to file as they lie.
+  std::optional<DataFileArea> area;
+  if (read == ReadDataFile ? !ReadDataFileLeavingSamples(*state, *ctx.prompts, area) : !read(*state, *ctx.prompts))
+    return kExitRefused;
+  if (area) {
+    state->PathFileData = paths[1];
+    return WriteDataFileFrom(*state, *area, *ctx.prompts) ? kExitOk : kExitFailure;
+  }
   if (state->SolidMode) {
     // Only the block in memory goes out, as an ordinary recording.
     Print(stderr, QStringLiteral("convert: continuous recording, block %1 (%2 samples) is written "

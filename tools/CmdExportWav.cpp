@@ -2,12 +2,14 @@
 // writes its recorded channels as a 16-bit WAVE file, through the same
 // export command as the menu, with the save dialog answered by OUT.
 
+#include "files/DataFile.h"
 #include "files/FileReaders.h"
 #include "files/Wave.h"
 #include "tools/ChosenOutput.h"
 #include "tools/ToolCommand.h"
 
 #include <memory>
+#include <optional>
 
 namespace aqx::tool {
 
@@ -26,9 +28,12 @@ int RunExportWav(ToolContext& ctx) {
   auto state = std::make_unique<AppState>();
   state->PathFileData = paths[0];
   state->BatchMode = true;  // no "reading" notice on a terminal
-  if (!read(*state, *ctx.prompts)) return kExitRefused;
+  // An ordinary data file's samples are read from it a block at a time.
+  std::optional<DataFileArea> area;
+  if (read == ReadDataFile ? !ReadDataFileLeavingSamples(*state, *ctx.prompts, area) : !read(*state, *ctx.prompts))
+    return kExitRefused;
   ChosenOutput prompts(*ctx.prompts, paths[1]);
-  return ExportWaveCommand(*state, prompts) ? kExitOk : kExitFailure;
+  return ExportWaveCommand(*state, prompts, area ? &*area : nullptr) ? kExitOk : kExitFailure;
 }
 
 }  // namespace aqx::tool

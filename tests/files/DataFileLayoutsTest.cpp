@@ -2,12 +2,15 @@
 // here, open with the fields each layout carries and defaults for the rest.
 #include "DataFileTestSupport.h"
 #include "files/DataFile.h"
+#include "files/Wave.h"
 
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <memory>
+#include <optional>
 
 namespace aqx {
 namespace {
@@ -174,6 +177,42 @@ TEST_P(OlderLayouts, OpenWithTheirFieldsAndDefaultsForTheRest) {
   }
 }
 
+// A data file converted to the current layout and exported as WAVE, the
+// bytes of both; with `leaveInFile` the samples go from the input's area
+// and the store is never touched.
+struct Converted {
+  QByteArray data, wave;
+};
+Converted ConvertAndExport(const QString& in, const QString& outStem, bool leaveInFile) {
+  auto s = std::make_unique<AppState>();
+  s->PathFileData = in;
+  ScriptedPrompts p;
+  std::optional<DataFileArea> area;
+  EXPECT_TRUE(leaveInFile ? ReadDataFileLeavingSamples(*s, p, area) : ReadDataFile(*s, p));
+  EXPECT_EQ(area.has_value(), leaveInFile);
+  const DataFileArea* samplesInFile = area ? &*area : nullptr;
+  EXPECT_TRUE(WriteWaveFile(*s, outStem + QStringLiteral(".wav"), p, QStringLiteral("Экспорт"), samplesInFile));
+  s->PathFileData = outStem + QStringLiteral(".aqx");
+  EXPECT_TRUE(area ? WriteDataFileFrom(*s, *area, p) : WriteDataFile(*s, p));
+  if (leaveInFile) {
+    EXPECT_EQ(s->SignalData.residentBytes(), 0u);
+  }
+  return {testing::ReadFile(outStem + QStringLiteral(".aqx")), testing::ReadFile(outStem + QStringLiteral(".wav"))};
+}
+
+TEST_P(OlderLayouts, SamplesLeftInTheFileConvertAndExportAsThroughTheStore) {
+  const Offsets& o = GetParam();
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("layout%1.aqx").arg(o.minor));
+  ASSERT_TRUE(testing::WriteFile(path, BuildFile(o)));
+  const Converted stored = ConvertAndExport(path, dir.filePath(QStringLiteral("stored")), false);
+  const Converted streamed = ConvertAndExport(path, dir.filePath(QStringLiteral("streamed")), true);
+  EXPECT_EQ(stored.data.size(), 14172 + 2 * kSamples * 2);
+  EXPECT_TRUE(stored.data == streamed.data);
+  EXPECT_EQ(stored.wave.size(), 44 + 2 * kSamples * 2);
+  EXPECT_TRUE(stored.wave == streamed.wave);
+}
+
 INSTANTIATE_TEST_SUITE_P(AllLayouts, OlderLayouts, ::testing::ValuesIn(kLayouts),
                          [](const auto& layout) { return "Layout" + std::to_string(layout.param.minor); });
 
@@ -201,6 +240,27 @@ TEST(DataFileLayouts, ConvertedFileIsWrittenInTheCurrentLayout) {
   EXPECT_EQ(testing::I16At(b, 14172), kCodes2[0]);
   EXPECT_EQ(testing::I16At(b, 14172 + 2 * kSamples), kCodes7[0]);
   EXPECT_EQ(testing::ReadFile(oldPath), BuildFile(kLayouts[0]));  // the old file is untouched
+}
+
+TEST(DataFileLayouts, SamplesLeftInALongerFileThanTheStoreKeepTheFirstOfEachChannel) {
+  // Channels 1 and 3, more samples than the store holds: the pieces of the
+  // copy and of the WAVE rows cross every boundary.
+  constexpr size_t kClaimed = 1048576 + 10;
+  testing::FileBytes f(14172 + 2 * 2 * kClaimed);
+  f.magic().version(1, 12);
+  f.i32(202, 1).i32(202 + 8, 1).i32(6094, static_cast<int32_t>(kClaimed)).i32(46, 8000);
+  for (size_t i = 0; i < 2 * kClaimed; ++i)
+    f.i16(14172 + 2 * i, testing::TestCode(static_cast<int>(i % kClaimed) + 1, i < kClaimed ? 1 : 3));
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("long.aqx"));
+  ASSERT_TRUE(testing::WriteFile(path, f.bytes()));
+  const Converted stored = ConvertAndExport(path, dir.filePath(QStringLiteral("stored")), false);
+  const Converted streamed = ConvertAndExport(path, dir.filePath(QStringLiteral("streamed")), true);
+  ASSERT_EQ(stored.data.size(), 14172 + 2 * 2 * 1048576);
+  EXPECT_EQ(testing::I16At(stored.data, 14172 + 2 * 1048576), testing::TestCode(1, 3));
+  EXPECT_TRUE(stored.data == streamed.data);
+  EXPECT_EQ(stored.wave.size(), 44 + 2 * 2 * 1048576);
+  EXPECT_TRUE(stored.wave == streamed.wave);
 }
 
 }  // namespace

@@ -2,11 +2,15 @@
 // buffer, and the recording in memory untouched when the file is refused.
 #include "DataFileTestSupport.h"
 #include "files/DataFile.h"
+#include "files/Wave.h"
 
+#include <QDir>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <optional>
 
 namespace aqx {
 namespace {
@@ -172,6 +176,25 @@ TEST_F(DamagedFiles, MissingFileAndFolderAreTold) {
   EXPECT_FALSE(ReadDataFile(s, p));
   ExpectRefusedWith(QStringLiteral("Не удалось открыть файл"));
   ExpectUntouched();
+}
+
+TEST_F(DamagedFiles, AFileCutAfterItsHeaderWasReadWritesNothingFromItsSamples) {
+  FileBytes f = CurrentFile(1000, 2 * 1000);
+  ASSERT_TRUE(testing::WriteFile(dir.filePath(QStringLiteral("f.aqx")), f.bytes()));
+  s.PathFileData = dir.filePath(QStringLiteral("f.aqx"));
+  std::optional<DataFileArea> area;
+  ASSERT_TRUE(ReadDataFileLeavingSamples(s, p, area));
+  ASSERT_TRUE(area.has_value());
+  p.shown.clear();  // what the read repaired in the header
+  ASSERT_TRUE(QFile::resize(s.PathFileData, 14172 + 1000));
+  const QString wav = dir.filePath(QStringLiteral("f.wav"));
+  EXPECT_FALSE(WriteWaveFile(s, wav, p, QStringLiteral("Экспорт"), &*area));
+  ExpectRefusedWith(QStringLiteral("Ошибка чтения файла"));
+  p.shown.clear();
+  s.PathFileData = dir.filePath(QStringLiteral("new.aqx"));
+  EXPECT_FALSE(WriteDataFileFrom(s, *area, p));
+  ExpectRefusedWith(QStringLiteral("Ошибка чтения файла"));
+  EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("f.aqx")});
 }
 
 }  // namespace

@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 using namespace aqx;
 using aqx::testing::FileBytes;
 
@@ -162,6 +164,17 @@ TEST_F(SolidFileTest, ShortFileIsOneBlockOfTheNextPowerOfTwo) {
   EXPECT_EQ(f.samplesPerChannel, 1000);
   EXPECT_EQ(f.blockCount, 1);
   EXPECT_DOUBLE_EQ(f.recordSeconds, 0.1);
+}
+
+TEST_F(SolidFileTest, ACommandThatLeavesSamplesInTheFileStillGetsTheBlock) {
+  s.PathFileData = dir.filePath(QStringLiteral("непрерывная.aqx"));
+  ASSERT_TRUE(aqx::testing::WriteFile(s.PathFileData, SolidFile(1000)));
+  std::optional<DataFileArea> area = DataFileArea{};
+  ASSERT_TRUE(ReadDataFileLeavingSamples(s, prompts, area)) << prompts.lastMessage().toStdString();
+  EXPECT_FALSE(area.has_value());
+  EXPECT_TRUE(s.SolidMode);
+  EXPECT_EQ(s.SignalDataN, 1024);
+  EXPECT_EQ(s.SignalData.at(1000, 9), Code(999, 2));
 }
 
 TEST_F(SolidFileTest, SavingTheHeaderOfAnOlderLayoutKeepsEveryRow) {

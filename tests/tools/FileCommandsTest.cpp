@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace aqx::tool {
 
@@ -152,12 +153,53 @@ TEST_F(FileCommands, ExportWavWritesTheRecordedChannelsOrNothing) {
   std::memcpy(first, bytes.constData() + contents.dataOffset, sizeof first);
   EXPECT_EQ(first[0], -49);
   EXPECT_EQ(first[1], -8191);
+  // The same bytes as the export of the recording read into the store.
+  auto stored = std::make_unique<AppState>();
+  stored->PathFileData = file;
+  ASSERT_TRUE(ReadDataFile(*stored, prompts));
+  ASSERT_TRUE(WriteWaveFile(*stored, path(QStringLiteral("stored.wav")), prompts));
+  QFile storedWave(path(QStringLiteral("stored.wav")));
+  ASSERT_TRUE(storedWave.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(storedWave.readAll() == bytes);
+  ASSERT_TRUE(storedWave.remove());
 
   EXPECT_EQ(Run(RunExportWav, {file}), kExitRefused);
   EXPECT_EQ(Run(RunExportWav, {path(QStringLiteral("notes.txt")), wav}), kExitRefused);
   EXPECT_EQ(Run(RunExportWav, {file, path(QStringLiteral("no/such/out.wav"))}), kExitFailure);
   EXPECT_FALSE(QFileInfo::exists(path(QStringLiteral("no/such/out.wav"))));
   EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 2);  // no temporary left behind
+}
+
+TEST_F(FileCommands, ConvertOntoItselfKeepsTheRecordingAndACutFileWritesNothing) {
+  const QString file = WriteRecording();
+  auto stored = std::make_unique<AppState>();
+  stored->PathFileData = file;
+  ASSERT_TRUE(ReadDataFile(*stored, prompts));
+  stored->PathFileData = path(QStringLiteral("stored.aqx"));
+  ASSERT_TRUE(WriteDataFile(*stored, prompts));
+  QFile expected(stored->PathFileData);
+  ASSERT_TRUE(expected.open(QIODevice::ReadOnly));
+  const QByteArray storedBytes = expected.readAll();
+  ASSERT_TRUE(expected.remove());
+  // The samples are copied from the file that the result then replaces.
+  ASSERT_EQ(Run(RunConvert, {file, file}), kExitOk);
+  QFile in(file);
+  ASSERT_TRUE(in.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(in.readAll() == storedBytes);
+  in.close();
+
+  ASSERT_TRUE(in.resize(storedBytes.size() - 1));
+  const QString converted = path(QStringLiteral("new.aqx"));
+  const QString wav = path(QStringLiteral("new.wav"));
+  for (const auto& [command, output] : {std::pair{&RunConvert, converted}, std::pair{&RunExportWav, wav}}) {
+    prompts.shown.clear();
+    EXPECT_EQ(Run(command, {file, output}), kExitRefused);
+    EXPECT_TRUE(prompts.lastMessage().startsWith(
+        QStringLiteral("Файл данных повреждён: по заголовку в нём 100 отсчётов по 2 каналам")))
+        << prompts.lastMessage().toStdString();
+    EXPECT_FALSE(QFileInfo::exists(output));
+  }
+  EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 1);
 }
 
 }  // namespace
