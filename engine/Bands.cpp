@@ -12,6 +12,7 @@
 
 #include <array>
 #include <limits>
+#include <span>
 #include <vector>
 
 using namespace aqx::engine;
@@ -116,7 +117,11 @@ extern "C" void AccountVolumeField(int32_t channel, const float* Ku, const int32
   // The channel's codes as they are, and doubles only for the values
   // predicted beyond its ends.
   const size_t total = static_cast<size_t>(n) + 2 * static_cast<size_t>(pad);
-  std::vector<int16_t> codes(static_cast<size_t>(n));
+  // From the engine's pool, so that a refresh after refresh does not fault
+  // its pages in again.
+  WorkBuffer codeBuffer((static_cast<size_t>(n) * sizeof(int16_t) + sizeof(double) - 1) / sizeof(double));
+  if (codeBuffer.data() == nullptr) return;
+  const std::span<int16_t> codes(reinterpret_cast<int16_t*>(codeBuffer.data()), static_cast<size_t>(n));
   ReadColumn(SignalData, rows.first, column, n, codes.data());
   const auto edge = static_cast<size_t>(PredictionWindow(n));
   const std::vector<double> head(codes.begin(), codes.begin() + static_cast<std::ptrdiff_t>(edge));

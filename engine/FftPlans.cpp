@@ -18,8 +18,8 @@ constexpr size_t kMaxPlans = 48;
 // Idle buffers kept for reuse, and the bytes they may hold together. A
 // million-sample transform's 8 MiB goes back to the allocator at once: kept
 // idle it would add to every allocation made after it (a window's pictures
-// among them), and the allocator hands the same memory back to the next
-// transform without touching the system.
+// among them). A refresh after refresh is no slower for it (measured with
+// bench_signalview): the allocator hands the memory back from its own heap.
 constexpr size_t kMaxIdleBuffers = 8;
 constexpr size_t kMaxIdleBytes = size_t{4} << 20;
 

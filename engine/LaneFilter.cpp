@@ -110,9 +110,11 @@ void PutDelays(const HeldDelays& d, Sections& s) {
 }
 
 // Inlined into every clone of each pass, so that it takes their instructions.
+// The next state takes y last, so that it waits on y through one fused
+// multiply-add: y, then z1, then the next sample's y is the whole chain.
 __attribute__((always_inline)) inline void RunStage(const Coefficients& c, Delays& d, Lanes& v) {
   const Lanes y = c.b0 * v + d.z1;
-  d.z1 = c.b1 * v - c.a1 * y + d.z2;
+  d.z1 = (c.b1 * v + d.z2) - c.a1 * y;
   d.z2 = c.b2 * v - c.a2 * y;
   v = y;
 }
