@@ -37,9 +37,10 @@ namespace {
 using Lanes = double __attribute__((vector_size(kLaneCount * sizeof(double))));
 using StoredLanes = float __attribute__((vector_size(kLaneCount * sizeof(float))));
 
-// The coefficients and the state of the sections, held in registers over a
-// pass. The passes are cloned for processors with AVX2 and FMA, where a
-// stage costs five fused operations on all four lanes at once.
+// The coefficients and the state of the sections, as a pass starts and
+// leaves them (a pass holds them in registers). The passes are cloned for
+// processors with AVX2 and FMA, where a stage costs five fused operations on
+// all four lanes at once.
 struct Sections {
   Lanes b0[kLaneStages], b1[kLaneStages], b2[kLaneStages], a1[kLaneStages], a2[kLaneStages];
   Lanes z1[kLaneStages], z2[kLaneStages];
