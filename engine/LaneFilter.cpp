@@ -314,18 +314,23 @@ class ForwardTrack {
   std::array<double, kLaneCount> last_{};
 };
 
+// Whether w.current holds the values of the piece a backward pass starts in
+// (the forward pass or a look-up has just worked them out).
+enum class TopPiece { Ready, ToWorkOut };
+
 // The backward pass over [begin, end) of a track, from state s, a piece at a
 // time, each piece's values worked out beside the piece above it; the
 // extremes of the runs (ascending, inside the track) to their slots.
 void BackwardOver(Sections& s, const ForwardTrack& track, size_t begin, size_t end,
-                  const std::vector<TrackedRun>& runs, PassScratch& w, double* least, double* largest) {
+                  const std::vector<TrackedRun>& runs, PassScratch& w, double* least, double* largest,
+                  TopPiece topPiece) {
   if (begin >= end) return;
   std::vector<TrackedRun> local;
   auto run = std::upper_bound(runs.begin(), runs.end(), end,
                               [](size_t at, const TrackedRun& r) { return at <= r.begin; });
   const size_t bottom = track.chunkOf(begin);
   const size_t top = track.chunkOf(end - 1);
-  track.values(top, w.current.data());
+  if (topPiece == TopPiece::ToWorkOut) track.values(top, w.current.data());
   for (size_t k = top + 1; k-- > bottom;) {
     const size_t chunkStart = track.chunkBegin(k);
     const size_t lo = std::max(begin, chunkStart);
@@ -401,7 +406,7 @@ void FilterLanesZeroPhase(const LaneCascade& c, const LaneRecord& record, const 
     ForwardTrack track(record, 0, count);
     track.run(settled(Broadcast(ValueAt(record, 0))), w);
     Sections s = settled(track.last());
-    BackwardOver(s, track, 0, count, runs, w, least, largest);
+    BackwardOver(s, track, 0, count, runs, w, least, largest, TopPiece::Ready);
     return;
   }
 
@@ -428,7 +433,7 @@ void FilterLanesZeroPhase(const LaneCascade& c, const LaneRecord& record, const 
       [&] {
         Sections s = settled(upperTrack.last());
         BackwardOver(s, upperTrack, half, count, upper, upperWork, upperFound.least.data(),
-                     upperFound.largest.data());
+                     upperFound.largest.data(), TopPiece::Ready);
       },
       [&] {
         // The lower half's backward pass starts `warm` values into the upper
@@ -436,8 +441,9 @@ void FilterLanesZeroPhase(const LaneCascade& c, const LaneRecord& record, const 
         const size_t piece = upperTrack.chunkOf(start - 1);
         upperTrack.values(piece, lowerWork.current.data());
         Sections s = settled(StoredAt(lowerWork.current.data(), start - 1 - upperTrack.chunkBegin(piece)));
-        BackwardOver(s, upperTrack, half, start, warmRun, lowerWork, warming.least.data(), warming.largest.data());
-        BackwardOver(s, lowerTrack, 0, half, lower, lowerWork, least, largest);
+        BackwardOver(s, upperTrack, half, start, warmRun, lowerWork, warming.least.data(), warming.largest.data(),
+                     TopPiece::Ready);
+        BackwardOver(s, lowerTrack, 0, half, lower, lowerWork, least, largest, TopPiece::ToWorkOut);
       });
   for (size_t i = 0; i < slots * kLaneCount; ++i) {
     least[i] = std::min(least[i], upperFound.least[i]);
