@@ -22,4 +22,10 @@ FileReaderTable HeaderFileReaders() {
   return table;
 }
 
+bool ReadLeavingDataFileSamples(FileReadFn read, AppState& state, Prompts& prompts,
+                                std::optional<DataFileArea>& area) {
+  area.reset();
+  return read == ReadDataFile ? ReadDataFileLeavingSamples(state, prompts, area) : read(state, prompts);
+}
+
 }  // namespace aqx

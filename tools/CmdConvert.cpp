@@ -26,8 +26,7 @@ int RunConvert(ToolContext& ctx) {
   state->PathFileData = paths[0];
   // An ordinary data file's samples go from file to file as they lie.
   std::optional<DataFileArea> area;
-  if (read == ReadDataFile ? !ReadDataFileLeavingSamples(*state, *ctx.prompts, area) : !read(*state, *ctx.prompts))
-    return kExitRefused;
+  if (!ReadLeavingDataFileSamples(read, *state, *ctx.prompts, area)) return kExitRefused;
   if (area) {
     state->PathFileData = paths[1];
     return WriteDataFileFrom(*state, *area, *ctx.prompts) ? kExitOk : kExitFailure;

@@ -30,8 +30,7 @@ int RunExportWav(ToolContext& ctx) {
   state->BatchMode = true;  // no "reading" notice on a terminal
   // An ordinary data file's samples are read from it a block at a time.
   std::optional<DataFileArea> area;
-  if (read == ReadDataFile ? !ReadDataFileLeavingSamples(*state, *ctx.prompts, area) : !read(*state, *ctx.prompts))
-    return kExitRefused;
+  if (!ReadLeavingDataFileSamples(read, *state, *ctx.prompts, area)) return kExitRefused;
   ChosenOutput prompts(*ctx.prompts, paths[1]);
   return ExportWaveCommand(*state, prompts, area ? &*area : nullptr) ? kExitOk : kExitFailure;
 }
