@@ -70,6 +70,15 @@ void UseContinuous(Workbench& w, int channels, int32_t freqADC) {
   s.FreqADC = freqADC;
 }
 
+// Presses the record command for a continuous run of that kind; returns the
+// command, whose second press stops the run.
+QAction* StartContinuousRun(Workbench& w, int channels, int32_t freqADC) {
+  UseContinuous(w, channels, freqADC);
+  QAction* record = w.window->action(QStringLiteral("mnuFileRecord"));
+  record->trigger();
+  return record;
+}
+
 TEST(MeasureWindows, TheirCommandsWorkAndFollowTheRun) {
   Workbench w;
   for (const char* name : {"mnuSetupRecord", "mnuSetupChannels", "mnuSetupOtmetchick", "mnuServiceDetectSensor",
@@ -123,9 +132,7 @@ TEST(MeasureWindows, RecordSettingsWindowDecidesTheModeByItsTab) {
 
 TEST(MeasureWindows, AContinuousRunRecordsAFileThatOpensWithItsBlocks) {
   Workbench w;
-  UseContinuous(w, 4, 8000);
-  QAction* record = w.window->action(QStringLiteral("mnuFileRecord"));
-  record->trigger();
+  QAction* record = StartContinuousRun(w, 4, 8000);
   ui::MeasurementRun* run = w.window->measurementRun();
   ASSERT_TRUE(run->running());
   ASSERT_NE(Measure(w)->statusFile(), nullptr);
@@ -161,9 +168,7 @@ TEST(MeasureWindows, AContinuousRunRecordsAFileThatOpensWithItsBlocks) {
 
 TEST(MeasureWindows, TheLiveViewShowsTheNewestRowsAtTheUsersZoom) {
   Workbench w;
-  UseContinuous(w, 4, 100000);
-  QAction* record = w.window->action(QStringLiteral("mnuFileRecord"));
-  record->trigger();
+  QAction* record = StartContinuousRun(w, 4, 100000);
   ui::MeasurementRun* run = w.window->measurementRun();
   ASSERT_TRUE(run->running());
   ui::SignalWindow* view = w.window->signalWindow();
@@ -211,10 +216,9 @@ TEST(MeasureWindows, TheLiveViewShowsTheNewestRowsAtTheUsersZoom) {
 
 TEST(MeasureWindows, ARecordingThatFailsInItsThreadEndsByItselfWithAReadableFile) {
   Workbench w;
-  UseContinuous(w, 2, 8000);
   VirtualSetting fail("AQX_VIRTUAL_FAIL", QStringLiteral("27"));
   VirtualSetting after("AQX_VIRTUAL_FAIL_AFTER_ROWS", QStringLiteral("1000"));
-  w.window->action(QStringLiteral("mnuFileRecord"))->trigger();
+  StartContinuousRun(w, 2, 8000);
   ui::MeasurementRun* run = w.window->measurementRun();
   ASSERT_TRUE(run->running());
   QElapsedTimer clock;
