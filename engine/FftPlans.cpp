@@ -1,6 +1,10 @@
 #include "engine/FftPlans.h"
 
+#include "engine/EngineCommon.h"
+#include "engine/SpectrumKernel.h"
+
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <string>
 #include <list>
@@ -58,7 +62,9 @@ fftw_plan MakePlan(FftKind kind, int32_t size) {
   fftw_plan plan = nullptr;
   switch (kind) {
     case FftKind::RealToComplex:
-      plan = fftw_plan_dft_r2c_1d(size, probe, probeComplex, FFTW_ESTIMATE);
+      plan = AtHalfLength(kind, size)
+                 ? fftw_plan_dft_1d(size / 2, probeComplex, probeComplex, FFTW_FORWARD, FFTW_ESTIMATE)
+                 : fftw_plan_dft_r2c_1d(size, probe, probeComplex, FFTW_ESTIMATE);
       break;
     case FftKind::ComplexToReal:
       plan = fftw_plan_dft_c2r_1d(size, probeComplex, probe, FFTW_ESTIMATE);
@@ -74,7 +80,24 @@ fftw_plan MakePlan(FftKind kind, int32_t size) {
   return plan;
 }
 
+// exp(-2*pi*i*k*stride/size) for k in [0, count), interleaved cos, sin.
+std::vector<double> Turns(int32_t size, int32_t stride, int32_t count) {
+  std::vector<double> turns(2 * static_cast<size_t>(count));
+  for (int32_t k = 0; k < count; ++k) {
+    const double angle = -2.0 * kPi * static_cast<double>(static_cast<int64_t>(k) * stride) / size;
+    turns[2 * static_cast<size_t>(k)] = std::cos(angle);
+    turns[2 * static_cast<size_t>(k) + 1] = std::sin(angle);
+  }
+  return turns;
+}
+
 }  // namespace
+
+FftPlan::FftPlan(fftw_plan plan, FftKind kind, int32_t size) : plan_(plan), kind_(kind), size_(size) {
+  if (!AtHalfLength(kind, size)) return;
+  fineTurns_ = Turns(size, 1, kFineTurns);
+  coarseTurns_ = Turns(size, kFineTurns, size / 4 / kFineTurns + 1);
+}
 
 FftPlan::~FftPlan() {
   std::lock_guard<std::mutex> lock(g_fft.plannerMutex);
@@ -85,7 +108,12 @@ void FftPlan::execute(double* data) const {
   auto* c = reinterpret_cast<fftw_complex*>(data);
   switch (kind_) {
     case FftKind::RealToComplex:
-      fftw_execute_dft_r2c(plan_, data, c);
+      if (fineTurns_.empty()) {
+        fftw_execute_dft_r2c(plan_, data, c);
+      } else {
+        fftw_execute_dft(plan_, c, c);
+        SeparateHalves(data, size_, fineTurns_.data(), coarseTurns_.data());
+      }
       break;
     case FftKind::ComplexToReal:
       fftw_execute_dft_c2r(plan_, c, data);
@@ -148,8 +176,10 @@ bool MeasureFftWisdom(const char* path, int32_t largestSize) {
     std::lock_guard<std::mutex> lock(g_fft.plannerMutex);
     WorkBuffer probe(RealTransformDoubles(size));
     if (probe.data() == nullptr) return false;
-    fftw_plan plan = fftw_plan_dft_r2c_1d(size, probe.data(), reinterpret_cast<fftw_complex*>(probe.data()),
-                                          FFTW_MEASURE);
+    auto* probeComplex = reinterpret_cast<fftw_complex*>(probe.data());
+    fftw_plan plan = AtHalfLength(FftKind::RealToComplex, size)
+                         ? fftw_plan_dft_1d(size / 2, probeComplex, probeComplex, FFTW_FORWARD, FFTW_MEASURE)
+                         : fftw_plan_dft_r2c_1d(size, probe.data(), probeComplex, FFTW_MEASURE);
     if (plan == nullptr) return false;
     fftw_destroy_plan(plan);
   }

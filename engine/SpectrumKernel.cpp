@@ -143,6 +143,68 @@ void AccumulateBase(const double* x, int32_t first, int32_t last, const double* 
   AccumulateLinesLoop(x, first, last, rotation, magnitudes, sums);
 }
 
+// Lines k and M - k (M = L/2) come out of the complex lines k and M - k:
+// with a = Z[k] and b = conj(Z[M - k]), the even samples' line is
+// e = (a + b)/2, the odd samples' o = (a - b)/2i, and X[k] = e + w^k o,
+// X[M - k] = conj(e - w^k o). `low` walks up from line k, `high` down from
+// line M - k, so the two never meet.
+[[gnu::always_inline]] inline void SeparateLoop(double* __restrict low, double* __restrict high, int32_t count,
+                                                const double* fine, double coarseCos, double coarseSin) {
+  for (int32_t j = 0; j < count; ++j) {
+    const double wr = coarseCos * fine[2 * j] - coarseSin * fine[2 * j + 1];
+    const double wi = coarseCos * fine[2 * j + 1] + coarseSin * fine[2 * j];
+    const double ar = low[2 * j];
+    const double ai = low[2 * j + 1];
+    const double br = high[-2 * j];
+    const double bi = -high[-2 * j + 1];
+    const double er = 0.5 * (ar + br);
+    const double ei = 0.5 * (ai + bi);
+    const double orr = 0.5 * (ai - bi);
+    const double oi = -0.5 * (ar - br);
+    const double wor = wr * orr - wi * oi;
+    const double woi = wr * oi + wi * orr;
+    low[2 * j] = er + wor;
+    low[2 * j + 1] = ei + woi;
+    high[-2 * j] = er - wor;
+    high[-2 * j + 1] = woi - ei;
+  }
+}
+
+[[gnu::always_inline]] inline void SeparateAny(double* x, int32_t L, const double* fine, const double* coarse) {
+  const int32_t M = L / 2;
+  const double r0 = x[0];
+  const double i0 = x[1];
+  x[0] = r0 + i0;
+  x[1] = 0.0;
+  x[2 * static_cast<size_t>(M)] = r0 - i0;
+  x[2 * static_cast<size_t>(M) + 1] = 0.0;
+  // The middle line, its own partner, is its conjugate (w^(M/2) = -i).
+  if (M % 2 == 0) x[M + 1] = -x[M + 1];
+  // Pairs k < M - k, in runs that share one coarse turn.
+  const int32_t pairsEnd = (M + 1) / 2;
+  for (int32_t start = 0; start < pairsEnd; start += kFineTurns) {
+    const int32_t first = std::max(start, 1);
+    const int32_t end = std::min(start + kFineTurns, pairsEnd);
+    const int32_t run = start / kFineTurns;
+    SeparateLoop(x + 2 * static_cast<size_t>(first), x + 2 * static_cast<size_t>(M - first), end - first,
+                 fine + 2 * (first - start), coarse[2 * run], coarse[2 * run + 1]);
+  }
+}
+
+[[gnu::target("arch=x86-64-v4")]] void SeparateWidest(double* x, int32_t L, const double* fine,
+                                                      const double* coarse) {
+  SeparateAny(x, L, fine, coarse);
+}
+
+[[gnu::target("arch=x86-64-v3")]] void SeparateWide(double* x, int32_t L, const double* fine,
+                                                    const double* coarse) {
+  SeparateAny(x, L, fine, coarse);
+}
+
+void SeparateBase(double* x, int32_t L, const double* fine, const double* coarse) {
+  SeparateAny(x, L, fine, coarse);
+}
+
 bool Widest() {
   return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
          __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512bw");
@@ -171,6 +233,16 @@ void AccumulateLines(const double* x, int32_t first, int32_t last, const double*
     AccumulateWide(x, first, last, rotation, magnitudes, sums);
   } else {
     AccumulateBase(x, first, last, rotation, magnitudes, sums);
+  }
+}
+
+void SeparateHalves(double* x, int32_t L, const double* fine, const double* coarse) {
+  if (Widest()) {
+    SeparateWidest(x, L, fine, coarse);
+  } else if (Wide()) {
+    SeparateWide(x, L, fine, coarse);
+  } else {
+    SeparateBase(x, L, fine, coarse);
   }
 }
 

@@ -23,6 +23,15 @@ void WindowedLines(const double* x, int32_t first, int32_t last, const double* r
 void AccumulateLines(const double* x, int32_t first, int32_t last, const double* rotation,
                      double* magnitudes, double* sums);
 
+// Finishes a real transform of L points (L even) done as the complex
+// transform of its L/2 pairs (even samples as real parts, odd ones as
+// imaginary): x holds that complex result on entry and lines 0..L/2, as
+// FFTW's real transform leaves them, on return (L + 2 doubles). The turns
+// exp(-2*pi*i*k/L) for k up to L/4 are coarse[k / kFineTurns] times
+// fine[k % kFineTurns], both interleaved cos, sin.
+inline constexpr int32_t kFineTurns = 512;
+void SeparateHalves(double* x, int32_t L, const double* fine, const double* coarse);
+
 // The largest of count values (0 for none), in lanes that vectorise.
 double LargestOf(const double* values, int32_t count);
 

@@ -225,6 +225,49 @@ TEST(EngineSpectrum, LinesOfALongStretchKeepTheirPhaseInBothHalves) {
   }
 }
 
+// An impulse shows at every line with the window's value at the impulse as
+// its amplitude and the impulse's delay as its phase. Checked at every line
+// for lengths on both sides of half a million, where a long transform
+// changes its way (as the complex transform of sample pairs), alone and
+// averaged over blocks.
+TEST(EngineSpectrum, EveryLineOfAnImpulseIsExactAroundHalfAMillionRows) {
+  constexpr int32_t rows = 1 << 20;
+  constexpr int32_t half = 1 << 19;
+  constexpr double height = 30000;
+  Store store(rows);
+  struct Case {
+    int32_t rows, block, impulse;  // impulse: rows after the first
+  };
+  const Case cases[] = {{half - 2, rows, half / 3 + 7}, {half - 1, rows, half / 3}, {half, rows, half / 3 + 7},
+                        {half + 2, rows, 99991},       {rows, rows, rows - 12345}, {rows, half, 700001}};
+  for (const Case& c : cases) {
+    store.at(c.impulse + 1, 1) = static_cast<int16_t>(height);
+    Request r;
+    r.last = c.rows;
+    r.block = c.block;
+    r.removeConstant = 0;
+    const Spectrum s = Analyse(store, r);
+    store.at(c.impulse + 1, 1) = 0;
+    const int32_t L = std::min(c.block, c.rows);
+    ASSERT_EQ(s.lines, (L + 1) / 2) << c.rows;
+    // Blocks every L/2 rows; the amplitudes average over all of them.
+    const int32_t hop = L < c.rows ? L / 2 : L;
+    const int32_t count = (c.rows - L) / hop + 1;
+    double windowMean = 0;
+    for (int32_t b = 0; b < count; ++b) {
+      const int32_t at = c.impulse - b * hop;
+      if (at >= 0 && at < L) windowMean += (0.5 - 0.5 * std::cos(2 * kPi * at / L)) / count;
+    }
+    const double amplitude = height * windowMean * 8 / L;
+    for (int32_t k = 1; k < s.lines; ++k) {
+      ASSERT_NEAR(s.amplitude[k], amplitude, 1e-9 * amplitude) << c.rows << " line " << k;
+      const double delay = static_cast<double>(static_cast<int64_t>(k) * c.impulse % L) * 360 / L;
+      ASSERT_NEAR(AngleDifference(s.phase[k], delay), 0, 1e-6) << c.rows << " line " << k;
+    }
+    EXPECT_TRUE(s.amplitude.guardIntact() && s.phase.guardIntact() && s.real.guardIntact());
+  }
+}
+
 // Measured plans change the order of the transform's arithmetic and nothing
 // more: a sine with an impulse, single-block and averaged, gives the same
 // lines to rounding. The wisdom is kept in a temporary file, and forgotten
