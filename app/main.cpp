@@ -4,6 +4,7 @@
 
 #include "core/AppState.h"
 #include "core/FftWisdomPath.h"
+#include "core/FreedMemory.h"
 #include "core/Settings.h"
 #include "core/Startup.h"
 #include "core/Vocabulary.h"
@@ -23,6 +24,7 @@
 #include <memory>
 
 int main(int argc, char** argv) {
+  aqx::ReturnLargeFreedBlocks();
   QApplication app(argc, argv);
   QApplication::setApplicationName(QString::fromLatin1(aqx::kApplicationName));
   QApplication::setOrganizationName(QString::fromLatin1(aqx::kApplicationName));

@@ -20,12 +20,12 @@ namespace {
 // the least recently used go when more are asked for.
 constexpr size_t kMaxPlans = 48;
 // Idle buffers kept for reuse, and the bytes they may hold together. A
-// million-sample transform's 8 MiB goes back to the allocator at once: kept
-// idle it would add to every allocation made after it (a window's pictures
-// among them). A refresh after refresh is no slower for it (measured with
-// bench_signalview): the allocator hands the memory back from its own heap.
+// million-sample channel's band codes (2 MiB) and transform (8 MiB) go back
+// to the allocator at once: kept idle, the one would sit beside the other
+// while it runs and add to the window program's peak. The pieces of the
+// shorter passes stay.
 constexpr size_t kMaxIdleBuffers = 8;
-constexpr size_t kMaxIdleBytes = size_t{4} << 20;
+constexpr size_t kMaxIdleBytes = size_t{1} << 20;
 
 // The C interface carries no context, so the plan cache and the buffer pool
 // are the library's one process-wide state, guarded by their own mutexes.
