@@ -52,6 +52,15 @@ size_t DoublesFor(FftKind kind, int32_t size) {
   return real ? RealTransformDoubles(size) : 2 * static_cast<size_t>(size);
 }
 
+// The forward real transform's plan, at half length (AtHalfLength) the
+// complex plan of the sample pairs; `probe` holds RealTransformDoubles(size).
+fftw_plan PlanRealForward(int32_t size, double* probe, unsigned flags) {
+  auto* probeComplex = reinterpret_cast<fftw_complex*>(probe);
+  return AtHalfLength(FftKind::RealToComplex, size)
+             ? fftw_plan_dft_1d(size / 2, probeComplex, probeComplex, FFTW_FORWARD, flags)
+             : fftw_plan_dft_r2c_1d(size, probe, probeComplex, flags);
+}
+
 fftw_plan MakePlan(FftKind kind, int32_t size) {
   std::lock_guard<std::mutex> lock(g_fft.plannerMutex);
   // FFTW_ESTIMATE never writes the arrays while planning; they only fix the
@@ -62,9 +71,7 @@ fftw_plan MakePlan(FftKind kind, int32_t size) {
   fftw_plan plan = nullptr;
   switch (kind) {
     case FftKind::RealToComplex:
-      plan = AtHalfLength(kind, size)
-                 ? fftw_plan_dft_1d(size / 2, probeComplex, probeComplex, FFTW_FORWARD, FFTW_ESTIMATE)
-                 : fftw_plan_dft_r2c_1d(size, probe, probeComplex, FFTW_ESTIMATE);
+      plan = PlanRealForward(size, probe, FFTW_ESTIMATE);
       break;
     case FftKind::ComplexToReal:
       plan = fftw_plan_dft_c2r_1d(size, probeComplex, probe, FFTW_ESTIMATE);
@@ -176,10 +183,7 @@ bool MeasureFftWisdom(const char* path, int32_t largestSize) {
     std::lock_guard<std::mutex> lock(g_fft.plannerMutex);
     WorkBuffer probe(RealTransformDoubles(size));
     if (probe.data() == nullptr) return false;
-    auto* probeComplex = reinterpret_cast<fftw_complex*>(probe.data());
-    fftw_plan plan = AtHalfLength(FftKind::RealToComplex, size)
-                         ? fftw_plan_dft_1d(size / 2, probeComplex, probeComplex, FFTW_FORWARD, FFTW_MEASURE)
-                         : fftw_plan_dft_r2c_1d(size, probe.data(), probeComplex, FFTW_MEASURE);
+    fftw_plan plan = PlanRealForward(size, probe.data(), FFTW_MEASURE);
     if (plan == nullptr) return false;
     fftw_destroy_plan(plan);
   }
