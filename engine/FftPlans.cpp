@@ -19,13 +19,14 @@ namespace {
 // Plans of a few dozen sizes cover the selections a user makes in a session;
 // the least recently used go when more are asked for.
 constexpr size_t kMaxPlans = 48;
-// Idle buffers kept for reuse, and the bytes they may hold together. A
-// million-sample channel's band codes (2 MiB) and transform (8 MiB) go back
-// to the allocator at once: kept idle, the one would sit beside the other
-// while it runs and add to the window program's peak. The pieces of the
-// shorter passes stay.
+// Idle buffers kept for reuse, and the bytes they may hold together: a
+// million-sample transform's buffer (8 MiB), which a refresh needs again at
+// once. Given back and taken anew, its pages would be faulted in again on
+// every refresh, and on a virtual machine that costs more than the transform.
 constexpr size_t kMaxIdleBuffers = 8;
-constexpr size_t kMaxIdleBytes = size_t{1} << 20;
+constexpr size_t kMaxIdleBytes = size_t{9} << 20;
+// An idle buffer serves a request of down to 1/kMaxLeaseFactor of its size.
+constexpr size_t kMaxLeaseFactor = 8;
 
 // The C interface carries no context, so the plan cache and the buffer pool
 // are the library's one process-wide state, guarded by their own mutexes.
@@ -201,17 +202,35 @@ bool MeasureFftWisdom(const char* path, int32_t largestSize) {
 }
 
 WorkBuffer::WorkBuffer(size_t doubles) : doubles_(std::max<size_t>(doubles, 2)) {
+  std::vector<double*> release;
   {
+    // The smallest idle buffer that holds the request, up to eight times its
+    // size: a channel's band codes (2 MiB at a million samples) then take
+    // the idle transform buffer, and a small request never takes that.
     std::lock_guard<std::mutex> lock(g_fft.poolMutex);
+    auto best = g_fft.idle.end();
     for (auto it = g_fft.idle.begin(); it != g_fft.idle.end(); ++it) {
-      if (it->second == doubles_) {
-        data_ = it->first;
-        g_fft.idleBytes -= it->second * sizeof(double);
-        g_fft.idle.erase(it);
-        return;
+      if (it->second >= doubles_ && it->second / kMaxLeaseFactor <= doubles_ &&
+          (best == g_fft.idle.end() || it->second < best->second)) {
+        best = it;
       }
     }
+    if (best != g_fft.idle.end()) {
+      data_ = best->first;
+      doubles_ = best->second;
+      g_fft.idleBytes -= best->second * sizeof(double);
+      g_fft.idle.erase(best);
+      return;
+    }
+    // Idle buffers that this one would push out when it comes back go
+    // now, before it is allocated, so that they never sit beside it.
+    while (!g_fft.idle.empty() && g_fft.idleBytes + doubles_ * sizeof(double) > kMaxIdleBytes) {
+      release.push_back(g_fft.idle.front().first);
+      g_fft.idleBytes -= g_fft.idle.front().second * sizeof(double);
+      g_fft.idle.erase(g_fft.idle.begin());
+    }
   }
+  for (double* p : release) fftw_free(p);
   data_ = static_cast<double*>(fftw_malloc(sizeof(double) * doubles_));
   if (data_ == nullptr) doubles_ = 0;
 }

@@ -74,7 +74,8 @@ bool ImportFftWisdom(const char* path);
 // held to `path` through a temporary renamed over it. False on failure.
 bool MeasureFftWisdom(const char* path, int32_t largestSize);
 
-// Aligned doubles, returned to the pool on destruction.
+// At least the doubles asked for (an idle buffer may be larger), aligned,
+// returned to the pool on destruction.
 class WorkBuffer {
  public:
   WorkBuffer() = default;
