@@ -4,7 +4,6 @@
 
 #include "core/AppState.h"
 #include "core/FftWisdomPath.h"
-#include "core/FreedMemory.h"
 #include "core/Settings.h"
 #include "core/Startup.h"
 #include "core/Vocabulary.h"
@@ -19,12 +18,12 @@
 #include <QFile>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QPointer>
 #include <QTranslator>
 
 #include <memory>
 
 int main(int argc, char** argv) {
-  aqx::ReturnLargeFreedBlocks();
   QApplication app(argc, argv);
   QApplication::setApplicationName(QString::fromLatin1(aqx::kApplicationName));
   QApplication::setOrganizationName(QString::fromLatin1(aqx::kApplicationName));
@@ -52,22 +51,26 @@ int main(int argc, char** argv) {
   const aqx::FileReaderTable readers = aqx::StandardFileReaders();
   std::unique_ptr<aqx::ui::MainWindow> mainWindow;
 
-  aqx::ui::StartWindow splash(aqx::NextStartUpPicture(store, aqx::ui::kSplashPictureCount));
-  QObject::connect(&splash, &aqx::ui::StartWindow::speedLoad, &splash, [&] {
-    splash.setProgress(25);
+  // Closed, the splash window goes with its picture and its window memory.
+  auto* splash = new aqx::ui::StartWindow(aqx::NextStartUpPicture(store, aqx::ui::kSplashPictureCount));
+  splash->setAttribute(Qt::WA_DeleteOnClose);
+  QObject::connect(splash, &aqx::ui::StartWindow::speedLoad, splash, [&, splash] {
+    splash->setProgress(25);
     aqx::SpeedLoad(*state, store, vocabulary);
-    splash.setProgress(50);
+    splash->setProgress(50);
     mainWindow = std::make_unique<aqx::ui::MainWindow>(*state, store, prompts, vocabulary, readers);
     prompts.setOwner(mainWindow.get());
     mainWindow->load();
-    splash.setProgress(90);
+    splash->setProgress(90);
     mainWindow->show();
-    splash.setProgress(100);
+    splash->setProgress(100);
     mainWindow->loadStartFile(commandLine);
-    splash.close();
+    splash->close();
   });
-  splash.show();
+  const QPointer<aqx::ui::StartWindow> splashLeft(splash);
+  splash->show();
   const int result = QApplication::exec();
+  delete splashLeft.data();
   mainWindow.reset();
   return result;
 }

@@ -1,14 +1,10 @@
 // The main of the benchmarks that paint: a GUI application (offscreen unless
 // asked otherwise) for the fonts and images of the painter.
-#include "core/FreedMemory.h"
-
 #include <benchmark/benchmark.h>
 
 #include <QGuiApplication>
 
 int main(int argc, char** argv) {
-  // The allocator as the window program sets it.
-  aqx::ReturnLargeFreedBlocks();
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   QGuiApplication app(argc, argv);
   benchmark::Initialize(&argc, argv);
