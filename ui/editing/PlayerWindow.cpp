@@ -4,20 +4,16 @@
 #include "core/ConfigWriters.h"
 #include "files/Wave.h"
 #include "ui/common/PictureWidget.h"
+#include "ui/editing/SoundOutput.h"
 #include "views/edit/PlayerPicture.h"
 
-#include <QAudioDevice>
-#include <QAudioOutput>
 #include <QComboBox>
 #include <QDir>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QMediaDevices>
-#include <QMediaPlayer>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QTimer>
-#include <QUrl>
 #include <QVBoxLayout>
 
 namespace aqx::ui {
@@ -70,15 +66,12 @@ PlayerWindow::PlayerWindow(AppState& state, SettingsStore& store, Prompts& promp
   connect(timer1_, &QTimer::timeout, this, &PlayerWindow::tick);
 
   // Without a sound output the window still writes and draws the file.
-  const QAudioDevice device = QMediaDevices::defaultAudioOutput();
-  soundOutput_ = !device.isNull();
+  sound_ = OpenSoundOutput();
+  soundOutput_ = sound_ != nullptr;
   if (soundOutput_) {
-    audio_ = std::make_unique<QAudioOutput>(device);
-    player_ = std::make_unique<QMediaPlayer>();
-    player_->setAudioOutput(audio_.get());
-    connect(player_.get(), &QMediaPlayer::playbackStateChanged, this, [this](QMediaPlayer::PlaybackState st) {
-      if (st == QMediaPlayer::StoppedState && playing_) cmdStop();
-    });
+    sound_->onStopped = [this] {
+      if (playing_) cmdStop();
+    };
   } else {
     lblSound_->setText(QStringLiteral("Звуковое устройство не найдено: воспроизведение на этом компьютере невозможно. "
                                       "Файл для прослушивания другой программой: ") +
@@ -88,7 +81,10 @@ PlayerWindow::PlayerWindow(AppState& state, SettingsStore& store, Prompts& promp
 }
 
 PlayerWindow::~PlayerWindow() {
-  if (player_) player_->stop();
+  if (sound_) {
+    sound_->onStopped = nullptr;
+    sound_->stop();
+  }
 }
 
 void PlayerWindow::rateChosen(int row) {
@@ -100,7 +96,7 @@ void PlayerWindow::rateChosen(int row) {
 
 void PlayerWindow::BuildWaveFile() {
   const int row = views::WaveRateRow(s_);
-  if (player_) player_->setSource(QUrl());
+  if (sound_) sound_->release();
   written_ = WriteWaveChannel(s_, s_.FirstChannelActive, path_,
                               views::kWaveRates[static_cast<size_t>(row)].samplesPerSecond, prompts_,
                               windowTitle());
@@ -119,8 +115,7 @@ void PlayerWindow::cmdPlay() {
                   windowTitle(), PromptIcon::Exclamation);
     return;
   }
-  player_->setSource(QUrl::fromLocalFile(path_));
-  player_->play();
+  sound_->play(path_);
   playing_ = true;
   cmdPlay_->setText(QStringLiteral("Стоп"));
   clock_.start();
@@ -128,15 +123,16 @@ void PlayerWindow::cmdPlay() {
 }
 
 void PlayerWindow::cmdStop() {
-  if (player_) player_->stop();
   playing_ = false;
+  if (sound_) sound_->stop();
   timer1_->stop();
   cmdPlay_->setText(QStringLiteral("Пуск"));
   drawPicture(-1.0);
 }
 
 void PlayerWindow::tick() {
-  const double seconds = player_ && player_->position() > 0 ? player_->position() / 1000.0 : clock_.elapsed() / 1000.0;
+  const qint64 playedMs = sound_ ? sound_->positionMs() : 0;
+  const double seconds = playedMs > 0 ? playedMs / 1000.0 : clock_.elapsed() / 1000.0;
   if (playSeconds_ <= 0.0 || seconds >= playSeconds_) {
     cmdStop();
     return;

@@ -12,16 +12,15 @@
 
 #include <memory>
 
-class QAudioOutput;
 class QComboBox;
 class QLabel;
-class QMediaPlayer;
 class QPushButton;
 class QTimer;
 
 namespace aqx::ui {
 
 class PictureWidget;
+class SoundOutput;
 
 class PlayerWindow : public QDialog {
   Q_OBJECT
@@ -63,8 +62,7 @@ class PlayerWindow : public QDialog {
   PictureWidget* pctSignal_ = nullptr;
   QPushButton* cmdPlay_ = nullptr;
   QTimer* timer1_ = nullptr;
-  std::unique_ptr<QAudioOutput> audio_;
-  std::unique_ptr<QMediaPlayer> player_;
+  std::unique_ptr<SoundOutput> sound_;
 };
 
 }  // namespace aqx::ui
