@@ -11,6 +11,7 @@ install(TARGETS aquilonix-tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 if(TARGET aquilonix)
   set_target_properties(aquilonix PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
   install(TARGETS aquilonix RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS AquilonixSound LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/aquilonix)
 endif()
 
 # The user manual; the program looks for it at ../share/doc/aquilonix/manual.

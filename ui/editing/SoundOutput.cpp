@@ -7,9 +7,10 @@
 namespace aqx::ui {
 
 OpenSoundOutputEntry LoadSoundModule() {
-  // Where the build put the module, else beside the program.
-  const QStringList places = {QString::fromUtf8(AQX_SOUND_MODULE),
-                              QCoreApplication::applicationDirPath() + QStringLiteral("/libAquilonixSound.so")};
+  // Where an installation puts the module, else where the build did.
+  const QString programDir = QCoreApplication::applicationDirPath() + QLatin1Char('/');
+  const QStringList places = {programDir + QStringLiteral(AQX_SOUND_MODULE_FROM_BIN),
+                              QString::fromUtf8(AQX_SOUND_MODULE)};
   for (const QString& place : places) {
     QLibrary module(place);
     if (!module.load()) continue;
