@@ -99,6 +99,20 @@ std::vector<double> Turns(int32_t size, int32_t stride, int32_t count) {
   return turns;
 }
 
+// Takes the oldest idle buffers out of the pool until it keeps its limits
+// with `comingBytes` more on their way back; the caller frees them outside
+// the lock. Under poolMutex.
+std::vector<double*> TakeOldestIdle(size_t comingBytes) {
+  std::vector<double*> taken;
+  while (!g_fft.idle.empty() &&
+         (g_fft.idle.size() > kMaxIdleBuffers || g_fft.idleBytes + comingBytes > kMaxIdleBytes)) {
+    taken.push_back(g_fft.idle.front().first);
+    g_fft.idleBytes -= g_fft.idle.front().second * sizeof(double);
+    g_fft.idle.erase(g_fft.idle.begin());
+  }
+  return taken;
+}
+
 }  // namespace
 
 FftPlan::FftPlan(fftw_plan plan, FftKind kind, int32_t size) : plan_(plan), kind_(kind), size_(size) {
@@ -224,11 +238,7 @@ WorkBuffer::WorkBuffer(size_t doubles) : doubles_(std::max<size_t>(doubles, 2)) 
     }
     // Idle buffers that this one would push out when it comes back go
     // now, before it is allocated, so that they never sit beside it.
-    while (!g_fft.idle.empty() && g_fft.idleBytes + doubles_ * sizeof(double) > kMaxIdleBytes) {
-      release.push_back(g_fft.idle.front().first);
-      g_fft.idleBytes -= g_fft.idle.front().second * sizeof(double);
-      g_fft.idle.erase(g_fft.idle.begin());
-    }
+    release = TakeOldestIdle(doubles_ * sizeof(double));
   }
   for (double* p : release) fftw_free(p);
   data_ = static_cast<double*>(fftw_malloc(sizeof(double) * doubles_));
@@ -242,11 +252,7 @@ WorkBuffer::~WorkBuffer() {
     std::lock_guard<std::mutex> lock(g_fft.poolMutex);
     g_fft.idle.emplace_back(data_, doubles_);
     g_fft.idleBytes += doubles_ * sizeof(double);
-    while (g_fft.idle.size() > kMaxIdleBuffers || g_fft.idleBytes > kMaxIdleBytes) {
-      release.push_back(g_fft.idle.front().first);
-      g_fft.idleBytes -= g_fft.idle.front().second * sizeof(double);
-      g_fft.idle.erase(g_fft.idle.begin());
-    }
+    release = TakeOldestIdle(0);
   }
   for (double* p : release) fftw_free(p);
 }

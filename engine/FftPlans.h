@@ -27,8 +27,8 @@ enum class FftKind : int32_t {
 // even samples' lines from the odd ones'. FFTW's real plan of a million
 // points holds about 11 MiB of tables, the complex plan of half the length
 // 2.5 MiB, where the window program with a million-sample recording needs
-// about 60 MiB besides the store. Below half a million points the tables are small
-// and the real plan is the faster (at 2^17 by a fifth).
+// about 60 MiB besides the store. Below half a million points the tables
+// are small and the real plan is the faster (at 2^17 by a fifth).
 inline constexpr int32_t kHalfLengthFrom = 1 << 19;
 
 // True when PlanFor(kind, size) works at half length.

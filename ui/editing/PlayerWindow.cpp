@@ -67,8 +67,7 @@ PlayerWindow::PlayerWindow(AppState& state, SettingsStore& store, Prompts& promp
 
   // Without a sound output the window still writes and draws the file.
   sound_ = OpenSoundOutput();
-  soundOutput_ = sound_ != nullptr;
-  if (soundOutput_) {
+  if (sound_) {
     sound_->onStopped = [this] {
       if (playing_) cmdStop();
     };
@@ -108,7 +107,7 @@ void PlayerWindow::BuildWaveFile() {
 
 void PlayerWindow::cmdPlay() {
   if (!written_) return;
-  if (!soundOutput_) {
+  if (!sound_) {
     prompts_.tell(QStringLiteral("Звуковое устройство не найдено: воспроизведение невозможно.\n"
                                  "Файл для прослушивания записан:\n") +
                       QDir::toNativeSeparators(path_),

@@ -34,7 +34,7 @@ class PlayerWindow : public QDialog {
   void cmdStop();
   // The file played: in the user's cache folder.
   QString wavePath() const { return path_; }
-  bool hasSoundOutput() const { return soundOutput_; }
+  bool hasSoundOutput() const { return sound_ != nullptr; }
   bool playing() const { return playing_; }
   QLabel* info() const { return txtInfo_; }
   QComboBox* rates() const { return cmbFreqDescWave_; }
@@ -52,7 +52,6 @@ class PlayerWindow : public QDialog {
   Prompts& prompts_;
   QString path_;
   bool written_ = false;
-  bool soundOutput_ = false;
   bool playing_ = false;
   double playSeconds_ = 0.0;
   QElapsedTimer clock_;
