@@ -181,6 +181,27 @@ TEST(PaintDrawList, PlainTracesStepToTheNextColumnWithoutGaps) {
     EXPECT_TRUE(runs[i].first <= runs[i - 1].second + 1 && runs[i].second >= runs[i - 1].first - 1) << i;
 }
 
+TEST(PaintDrawList, TracesThatTurnBackOrLeaveThePicturePaintAsTheToolkitDoes) {
+  // Columns met twice with a gap between the runs, a trace going back to the
+  // left, and runs past every edge of the picture.
+  DrawList list = Canvas(37, 30);
+  list.add(Polyline{{3, 3, 4, 4, 3, 3}, {2, 6, 6, 20, 20, 25}, Pen{kRed}});
+  list.add(Polyline{{20, 19, 18, 17, 16, 16}, {5, 9, 3, 28, 14, 1}, Pen{kRed}});
+  list.add(Polyline{{-2, -1, -1, 0, 0}, {4, 4, 40, 40, -8}, Pen{kRed}});
+  list.add(Polyline{{35, 36, 36, 37, 37}, {-5, -5, 12, 12, 50}, Pen{kRed}});
+  list.add(Line{31, 29, 31, 35, Pen{kRed}});
+  const auto [direct, clipped] = PaintedBothWays(list);
+  EXPECT_EQ(direct, clipped);
+  const QColor red(255, 0, 0);
+  EXPECT_EQ(direct.pixelColor(3, 2), red);
+  EXPECT_EQ(direct.pixelColor(3, 13), Qt::white);  // between column 3's two runs
+  EXPECT_EQ(direct.pixelColor(3, 22), red);
+  EXPECT_EQ(direct.pixelColor(0, 0), red);
+  EXPECT_EQ(direct.pixelColor(36, 0), red);
+  EXPECT_EQ(direct.pixelColor(36, 13), Qt::white);
+  EXPECT_EQ(direct.pixelColor(31, 29), red);
+}
+
 QRect InkBox(const QImage& img) {
   QRect box;
   for (int y = 0; y < img.height(); ++y)
